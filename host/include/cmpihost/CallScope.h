@@ -1,0 +1,56 @@
+// The memory scope of one MI call. Every CMPI object a broker function
+// creates on this thread while the scope is open belongs to it and is freed
+// when it closes (or earlier by its release). Scopes nest; the host opens one
+// around every MI call and factory call, and tests open one to call library
+// code directly.
+#ifndef CMPIHOST_CALLSCOPE_H_
+#define CMPIHOST_CALLSCOPE_H_
+
+#include <cmpidt.h>
+#include <cmpift.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "cmpihost/InstanceSnapshot.h"
+#include "cmpihost/Reply.h"
+
+namespace cmpihost {
+
+class Host;
+
+class CallScope {
+ public:
+  // Opens a scope on the calling thread; it must be closed on the same thread.
+  explicit CallScope(Host& host);
+  // Frees every object still owned by the scope.
+  ~CallScope();
+  CallScope(const CallScope&) = delete;
+  CallScope& operator=(const CallScope&) = delete;
+
+  // The host's broker and a fresh context for namespace "root/cimv2".
+  const CMPIBroker* broker() const;
+  const CMPIContext* context() const;
+
+  // An object path parsed from text such as
+  // `//host/root/cimv2:CIM_Foo.Name="a",Count=5`; keys are typed from the
+  // class declaration. Null when the text does not parse.
+  CMPIObjectPath* objectPath(const std::string& pathText);
+  // A result that records every call made on it.
+  CMPIResult* newResult();
+  // What a result made by newResult() has recorded so far.
+  Reply recorded(const CMPIResult* result) const;
+  // A copy of an instance's class, path and properties.
+  InstanceSnapshot snapshot(const CMPIInstance* instance) const;
+  // Objects created in this scope and not yet released or freed.
+  std::size_t liveObjects() const;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace cmpihost
+
+#endif  // CMPIHOST_CALLSCOPE_H_

@@ -1,0 +1,50 @@
+// Reads MOF text into a ClassRepository: qualifier declarations, classes,
+// instances, "#pragma include" and "#pragma namespace". A file either loads
+// whole or not at all.
+#ifndef CMPIHOST_REPOSITORY_MOFREADER_H_
+#define CMPIHOST_REPOSITORY_MOFREADER_H_
+
+#include <stdexcept>
+#include <string>
+
+#include "repository/ClassRepository.h"
+
+namespace cmpihost {
+
+// The one error a failed load reports: where, and what.
+class MofError : public std::runtime_error {
+ public:
+  MofError(std::string file, unsigned line, unsigned column, std::string problem);
+  const std::string& file() const { return file_; }
+  unsigned line() const { return line_; }
+  unsigned column() const { return column_; }
+  const std::string& problem() const { return problem_; }
+  // what(): "file:line:column: problem"
+
+ private:
+  std::string file_;
+  unsigned line_;
+  unsigned column_;
+  std::string problem_;
+};
+
+class MofReader {
+ public:
+  // Classes land in `defaultNamespace` unless a "#pragma namespace" says otherwise.
+  MofReader(ClassRepository& repository, std::string defaultNamespace);
+
+  // Loads a file; includes are resolved relative to the including file's folder.
+  // Throws MofError; on error the repository is unchanged.
+  void loadFile(const std::string& path);
+  // Loads MOF text; `name` stands for the file in errors and includes resolve
+  // relative to the current directory. Throws MofError as loadFile does.
+  void loadText(const std::string& text, const std::string& name);
+
+ private:
+  ClassRepository& repository_;
+  std::string defaultNamespace_;
+};
+
+}  // namespace cmpihost
+
+#endif  // CMPIHOST_REPOSITORY_MOFREADER_H_
