@@ -1,0 +1,8 @@
+#include "diagcore/CimNames.h"
+
+namespace NQENDRA20 {
+
+const char* const cimNameSpace = "root/cimv2";
+const char* const cimComputerSystemClass = "TORSK_ComputerSystem";
+
+}  // namespace NQENDRA20

@@ -1,0 +1,16 @@
+// Names shared by the library and its sibling providers: the namespace every
+// object is served in, and the class and property names they agree on.
+#ifndef DIAGCORE_CIMNAMES_H_
+#define DIAGCORE_CIMNAMES_H_
+
+namespace NQENDRA20 {
+
+// The CIM namespace of every instance and object path the library builds.
+extern const char* const cimNameSpace;
+
+// The hosting computer system's class, whose first instance names the system.
+extern const char* const cimComputerSystemClass;
+
+}  // namespace NQENDRA20
+
+#endif  // DIAGCORE_CIMNAMES_H_
