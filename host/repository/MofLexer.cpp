@@ -228,8 +228,11 @@ void MofLexer::lexNumber(Token& token) {
   const auto accumulate = [&](unsigned base, unsigned digit) {
     constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
     if (token.integer > (kMax - digit) / base) {
-      fail(start, "integer " + Shown(text_.substr(startOffset, pos_ - startOffset + 1)) +
-                      "... does not fit in 64 bits");
+      while (IsIdentifierChar(peek())) {
+        ++pos_;
+      }
+      fail(start, "integer " + Shown(text_.substr(startOffset, pos_ - startOffset)) +
+                      " does not fit in 64 bits");
     }
     token.integer = token.integer * base + digit;
   };
