@@ -12,12 +12,14 @@ namespace {
 
 constexpr const char* kNamespace = "root/test";
 
-const std::string kBase = std::string(testing::kQualifierDecls) + R"(
+std::string Base() {
+  return std::string(testing::kQualifierDecls) + R"(
 [Abstract] class Test_Element { [Key] string Id; uint16 Count = 3; };
 class Test_Thing : Test_Element { };
 [Association] class Test_Link { [Key] Test_Element REF Left; [Key] Test_Element REF Right; };
 instance of Test_Thing as $known { Id = "known"; };
 )";
+}
 
 struct BadInput {
   const char* what;
@@ -171,7 +173,7 @@ std::vector<BadInput> BadInputs() {
 TEST(MofReaderErrorTest, EachBadInputNamesItsPlaceAndProblemAndChangesNothing) {
   ClassRepository repository;
   MofReader reader(repository, kNamespace);
-  reader.loadText(kBase, "base.mof");
+  reader.loadText(Base(), "base.mof");
   const std::size_t classCount = repository.classes(kNamespace).size();
   const std::vector<std::string> namespaces = repository.namespaces();
 
@@ -199,9 +201,9 @@ TEST(MofReaderErrorTest, EachBadInputNamesItsPlaceAndProblemAndChangesNothing) {
 TEST(MofReaderErrorTest, LoadingTheSameTextTwiceFailsOnTheFirstRepeatedClass) {
   ClassRepository repository;
   MofReader reader(repository, kNamespace);
-  reader.loadText(kBase, "base.mof");
+  reader.loadText(Base(), "base.mof");
   try {
-    reader.loadText(kBase, "again.mof");
+    reader.loadText(Base(), "again.mof");
     FAIL() << "loaded twice";
   } catch (const MofError& error) {
     EXPECT_EQ(error.line(), 17u);  // after the 15 lines of qualifier declarations
