@@ -85,6 +85,8 @@ std::vector<BadInput> BadInputs() {
        "unknown escape sequence \\q (known: \\b \\t \\n \\f \\r \\\" \\' \\\\ \\xHHHH)"},
       {"integer out of range", AfterGoodLine("class Bad { uint8 Small = 256; };"), 2, 27,
        "default of property \"Small\": 256 is out of range for uint8"},
+      {"one past the signed maximum", AfterGoodLine("class Bad { sint8 X = 128; };"), 2, 23,
+       "default of property \"X\": 128 is out of range for sint8"},
       {"negative unsigned", AfterGoodLine("class Bad { uint32 U = -1; };"), 2, 24,
        "default of property \"U\": -1 is out of range for uint32"},
       {"integer beyond 64 bits", AfterGoodLine("class Bad { uint64 Big = 18446744073709551616; };"),
