@@ -1,5 +1,5 @@
 // Every bad input gives one MofError naming the file, line, column and the
-// specific problem, and leaves the repository as it was before the load.
+// exact problem, and leaves the repository as it was before the load.
 #include <gtest/gtest.h>
 
 #include <string>
