@@ -1,0 +1,52 @@
+# What `cmake --install` puts in place: the library and its headers, the CMPI
+# headers it was built with, the embedded host (library, headers, command), the
+# schema MOF, and the files that let a plug-in find all of it.
+include(CMakePackageConfigHelpers)
+
+set(DIAGCORE_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/diagcore)
+set(DIAGCORE_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/diagcore)
+
+install(TARGETS diagcore cmpihost_lib cmpihost_repository cmpi_headers
+  EXPORT diagcoreTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(TARGET cmpihost)
+  install(TARGETS cmpihost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/diagcore
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/include/cmpihost
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+# The class model a host user reads back, and MofError for failed loads.
+install(FILES
+    ${PROJECT_SOURCE_DIR}/host/repository/CimType.h
+    ${PROJECT_SOURCE_DIR}/host/repository/MofValue.h
+    ${PROJECT_SOURCE_DIR}/host/repository/QualifierDecl.h
+    ${PROJECT_SOURCE_DIR}/host/repository/ClassDecl.h
+    ${PROJECT_SOURCE_DIR}/host/repository/StaticInstance.h
+    ${PROJECT_SOURCE_DIR}/host/repository/ClassRepository.h
+    ${PROJECT_SOURCE_DIR}/host/repository/MofReader.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cmpihost/repository)
+# Plug-ins compile against the same CMPI headers the library was built with.
+install(DIRECTORY ${DIAGCORE_CMPI_INCLUDE_DIR}/
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cmpi FILES_MATCHING PATTERN "cmpi*.h")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/schema/
+  DESTINATION ${DIAGCORE_INSTALL_DATADIR}/schema FILES_MATCHING PATTERN "*.mof")
+
+install(EXPORT diagcoreTargets NAMESPACE diagcore:: DESTINATION ${DIAGCORE_INSTALL_CMAKEDIR})
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/diagcoreConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/diagcoreConfig.cmake
+  INSTALL_DESTINATION ${DIAGCORE_INSTALL_CMAKEDIR}
+  PATH_VARS DIAGCORE_INSTALL_DATADIR CMAKE_INSTALL_BINDIR)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/diagcoreConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/diagcoreConfig.cmake
+              ${PROJECT_BINARY_DIR}/diagcoreConfigVersion.cmake
+  DESTINATION ${DIAGCORE_INSTALL_CMAKEDIR})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/diagcore.pc.in ${PROJECT_BINARY_DIR}/diagcore.pc @ONLY)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/cmpihost.pc.in ${PROJECT_BINARY_DIR}/cmpihost.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/diagcore.pc ${PROJECT_BINARY_DIR}/cmpihost.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
