@@ -46,6 +46,8 @@ install(FILES ${PROJECT_BINARY_DIR}/diagcoreConfig.cmake
               ${PROJECT_BINARY_DIR}/diagcoreConfigVersion.cmake
   DESTINATION ${DIAGCORE_INSTALL_CMAKEDIR})
 
+file(RELATIVE_PATH DIAGCORE_PC_TO_PREFIX
+  "${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/diagcore.pc.in ${PROJECT_BINARY_DIR}/diagcore.pc @ONLY)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/cmpihost.pc.in ${PROJECT_BINARY_DIR}/cmpihost.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/diagcore.pc ${PROJECT_BINARY_DIR}/cmpihost.pc
