@@ -18,6 +18,8 @@ struct Executor::ClassTarget {
 
 namespace {
 
+constexpr const char* kHostNameSpace = "root/cimv2";
+
 bool SameName(const std::string& a, const std::string& b) {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
 }
@@ -145,7 +147,11 @@ Executor::ClassTarget Executor::resolvePath(const std::string& text) const {
   target.nameSpace = head.nameSpace.empty() ? session_.nameSpace() : head.nameSpace;
   requireClass(target.nameSpace, head.className);
   target.decl = session_.repository().findClass(target.nameSpace, head.className);
-  target.text = WithNameSpace(text, head, session_.nameSpace());
+  // The host reads paths without a namespace as root/cimv2; leaving those
+  // as typed keeps the columns of the host's own path errors right.
+  target.text = session_.nameSpace() == kHostNameSpace
+                    ? text
+                    : WithNameSpace(text, head, session_.nameSpace());
   return target;
 }
 

@@ -5,19 +5,19 @@ namespace {
 
 const char* const kFilterOptions =
     "      --assoc-class C   only through associations of class C (or its subclasses)\n"
-    "      --result-class C  only objects of class C (or its subclasses) at the other end\n"
-    "      --role R          only where the given object plays role R (a reference name)\n"
-    "      --result-role R   only where the other object plays role R\n";
+    "      --result-class C  only other ends of class C (or its subclasses)\n"
+    "      --role R          only where PATH's object plays role R\n"
+    "      --result-role R   only where the other end plays role R\n";
 
 const char* const kReferenceOptions =
     "      --result-class C  only associations of class C (or its subclasses)\n"
-    "      --role R          only where the given object plays role R (a reference name)\n";
+    "      --role R          only where PATH's object plays role R\n";
 
 std::vector<VerbInfo> MakeVerbs() {
   const std::string filters = "  Filter options (each may also be written --option=VALUE):\n";
   return {
       {"ecn", Verb::kEnumerateClassNames, "EnumerateClassNames", "[CLASS]",
-       "list the class names of the namespace (or CLASS and its subclasses)",
+       "list the classes (or CLASS and its subclasses)",
        "  Class names come one per line, superclasses before their subclasses, in the\n"
        "  order the MOF declared them.\n"
        "  Examples:\n"
@@ -30,7 +30,7 @@ std::vector<VerbInfo> MakeVerbs() {
        "  Example:\n"
        "    cmpihost --mof schema.mof --providers diag.reg ei CIM_DiagnosticTest\n"},
       {"ein", Verb::kEnumerateInstanceNames, "EnumerateInstanceNames", "CLASS",
-       "list the paths of the instances of CLASS and its subclasses",
+       "list instance paths of CLASS and subclasses",
        "  Paths come one per line, in the form gi and cm accept.\n"
        "  Example:\n"
        "    cmpihost --mof schema.mof ein CIM_DiagnosticRecord\n"},
@@ -52,35 +52,36 @@ std::vector<VerbInfo> MakeVerbs() {
        "      cm 'CIM_DiagnosticTest.Name=\"fs\"' RunDiagnostic \\\n"
        "      'ManagedElement=CIM_FileSystem.Name=\"/\"'\n"},
       {"ai", Verb::kAssociators, "Associators", "PATH [FILTER OPTIONS]",
-       "list the instances associated with the object at PATH",
+       "list the instances associated with PATH",
        filters + kFilterOptions +
            "  Instances print as ei prints them.\n"
            "  Example:\n"
            "    cmpihost --mof schema.mof --providers diag.reg \\\n"
-           "      ai 'CIM_DiagnosticTest.Name=\"fs\"' --assoc-class "
-           "CIM_AvailableDiagnosticService\n"},
+           "      ai 'CIM_DiagnosticTest.Name=\"fs\"' \\\n"
+           "      --assoc-class CIM_AvailableDiagnosticService\n"},
       {"ain", Verb::kAssociatorNames, "AssociatorNames", "PATH [FILTER OPTIONS]",
-       "list the paths of the objects associated with the object at PATH",
+       "list the paths associated with PATH",
        filters + kFilterOptions +
            "  Paths print one per line.\n"
            "  Example:\n"
            "    cmpihost --mof schema.mof --providers diag.reg \\\n"
            "      ain 'CIM_DiagnosticTest.Name=\"fs\"' --result-class CIM_FileSystem\n"},
       {"ri", Verb::kReferences, "References", "PATH [--result-class C] [--role R]",
-       "list the association instances that refer to the object at PATH",
+       "list the associations that refer to PATH",
        filters + kReferenceOptions +
            "  Instances print as ei prints them.\n"
            "  Example:\n"
            "    cmpihost --mof schema.mof --providers diag.reg \\\n"
            "      ri 'CIM_DiagnosticTest.Name=\"fs\"' --role ServiceProvided\n"},
       {"rin", Verb::kReferenceNames, "ReferenceNames", "PATH [--result-class C] [--role R]",
-       "list the paths of the association instances that refer to the object at PATH",
+       "list association paths that refer to PATH",
        filters + kReferenceOptions +
            "  Paths print one per line.\n"
            "  Example:\n"
            "    cmpihost --mof schema.mof --providers diag.reg \\\n"
-           "      rin 'CIM_DiagnosticTest.Name=\"fs\"' --result-class CIM_ServiceAffectsElement\n"},
-      {"run", Verb::kRun, "", "FILE", "run the commands of a script file in one process",
+           "      rin 'CIM_DiagnosticTest.Name=\"fs\"' \\\n"
+           "      --result-class CIM_ServiceAffectsElement\n"},
+      {"run", Verb::kRun, "", "FILE", "run a script FILE's commands in one process",
        "  See SCRIPTS in cmpihost --help.\n"
        "  Example:\n"
        "    cmpihost --mof schema.mof --providers diag.reg run demo.cmpihost\n"},
