@@ -22,9 +22,13 @@ CallScope::CallScope(Host& host) : impl_(std::make_unique<Impl>(host)) {
 
 CallScope::~CallScope() = default;
 
-const CMPIBroker* CallScope::broker() const { return &impl_->host.broker; }
+const CMPIBroker* CallScope::broker() const {
+  return &impl_->host.broker;
+}
 
-const CMPIContext* CallScope::context() const { return impl_->context; }
+const CMPIContext* CallScope::context() const {
+  return impl_->context;
+}
 
 CMPIObjectPath* CallScope::objectPath(const std::string& pathText) {
   Host::Impl& host = impl_->host;
@@ -39,7 +43,9 @@ CMPIObjectPath* CallScope::objectPath(const std::string& pathText) {
   }
 }
 
-CMPIResult* CallScope::newResult() { return CreateInScope<ResultObject>(nullptr); }
+CMPIResult* CallScope::newResult() {
+  return CreateInScope<ResultObject>(nullptr);
+}
 
 Reply CallScope::recorded(const CMPIResult* result) const {
   const ResultObject* object = AsResult(result);
@@ -60,6 +66,8 @@ InstanceSnapshot CallScope::snapshot(const CMPIInstance* instance) const {
   return object == nullptr ? InstanceSnapshot{} : ToSnapshot(object->data);
 }
 
-std::size_t CallScope::liveObjects() const { return impl_->scope.liveObjects(); }
+std::size_t CallScope::liveObjects() const {
+  return impl_->scope.liveObjects();
+}
 
 }  // namespace cmpihost

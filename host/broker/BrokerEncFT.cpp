@@ -50,9 +50,9 @@ CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, 
   const PathData& where = object->path;
   std::shared_ptr<const ClassShape> shape = host->shapeOf(where.nameSpace, where.className);
   if (!shape) {
-    SetStatus(rc, CMPI_RC_ERR_INVALID_CLASS,
-              "class " + where.className + " is not declared in namespace '" + where.nameSpace +
-                  "'");
+    SetStatus(
+        rc, CMPI_RC_ERR_INVALID_CLASS,
+        "class " + where.className + " is not declared in namespace '" + where.nameSpace + "'");
     return nullptr;
   }
   InstanceData instance;
@@ -303,8 +303,8 @@ CMPIString* MessageFrom(const CMPIBroker* broker, const char* defaultMessage, CM
       SetStatus(rc, CMPI_RC_ERR_INVALID_PARAMETER, "getMessage: the default message is null");
       return nullptr;
     }
-    return CreateInScope<StringObject>(rc,
-                                       FormatMessage(defaultMessage, FormatArguments(count, arguments)));
+    return CreateInScope<StringObject>(
+        rc, FormatMessage(defaultMessage, FormatArguments(count, arguments)));
   } catch (...) {
     SetStatus(rc, CMPI_RC_ERR_FAILED);
     return nullptr;

@@ -48,8 +48,8 @@ CMPIData GetNamedAt(const NamedValues& values, CMPICount index, CMPIString** nam
                     const char* what) {
   if (index >= values.size()) {
     SetStatus(rc, CMPI_RC_ERR_NO_SUCH_PROPERTY,
-              std::string(what) + " index " + std::to_string(index) + " is out of range (there are " +
-                  std::to_string(values.size()) + ")");
+              std::string(what) + " index " + std::to_string(index) +
+                  " is out of range (there are " + std::to_string(values.size()) + ")");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
   const NamedValue& item = values.items()[index];
@@ -61,7 +61,9 @@ CMPIData GetNamedAt(const NamedValues& values, CMPICount index, CMPIString** nam
 
 // --- CMPIArgs ---
 
-CMPIStatus ArgsRelease(CMPIArgs* args) { return ReleaseIfOurs(AsArgs(args)); }
+CMPIStatus ArgsRelease(CMPIArgs* args) {
+  return ReleaseIfOurs(AsArgs(args));
+}
 
 CMPIArgs* ArgsClone(const CMPIArgs* args, CMPIStatus* rc) {
   const ArgsObject* object = AsArgs(args);
@@ -114,7 +116,9 @@ CMPICount ArgsGetArgCount(const CMPIArgs* args, CMPIStatus* rc) {
 
 // --- CMPIContext ---
 
-CMPIStatus ContextRelease(CMPIContext* context) { return ReleaseIfOurs(AsContext(context)); }
+CMPIStatus ContextRelease(CMPIContext* context) {
+  return ReleaseIfOurs(AsContext(context));
+}
 
 CMPIContext* ContextClone(const CMPIContext* context, CMPIStatus* rc) {
   const ContextObject* object = AsContext(context);

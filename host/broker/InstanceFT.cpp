@@ -101,14 +101,15 @@ CMPIStatus SetValue(InstanceData& data, const std::string& name, const CMPIValue
   }
   const PropertyShape& property = data.shape->properties[*index];
   if (type != CMPI_null && NormalizedType(type) != property.type) {
-    return MakeStatus(CMPI_RC_ERR_TYPE_MISMATCH,
-                      "property " + property.name + " of class " + data.shape->className +
-                          " is declared " + CmpiTypeName(property.type) + ", not " +
-                          CmpiTypeName(type));
+    return MakeStatus(CMPI_RC_ERR_TYPE_MISMATCH, "property " + property.name + " of class " +
+                                                     data.shape->className + " is declared " +
+                                                     CmpiTypeName(property.type) + ", not " +
+                                                     CmpiTypeName(type));
   }
   HostValue copy;
   std::string problem;
-  const CMPIrc rc = FromCmpiValue(type == CMPI_null ? nullptr : value, property.type, copy, problem);
+  const CMPIrc rc = type == CMPI_null ? FromCmpiValue(nullptr, property.type, copy, problem)
+                                      : FromCmpiValue(value, type, copy, problem);
   if (rc != CMPI_RC_OK) {
     return MakeStatus(rc, "property " + property.name + ": " + problem);
   }

@@ -156,7 +156,8 @@ CMPIStatus NoScopeStatus();
 CMPIString* NewMessageString(const std::string& text);
 CMPIData NullData(CMPIType type, CMPIValueState state = CMPI_nullValue);
 
-// Copies a provider's CMPI value in. CMPI_chars becomes CMPI_string. Objects
+// Copies a provider's CMPI value in. CMPI_chars (whose value pointer is the
+// C string itself, as CMPI has it) becomes CMPI_string. Objects
 // must be the host's. Null value pointers and null object pointers give a
 // null value of `type`. Answers the rc and, when not OK, why.
 CMPIrc FromCmpiValue(const CMPIValue* value, CMPIType type, HostValue& out, std::string& problem);

@@ -85,8 +85,8 @@ struct ClassShape {
 
 struct InstanceData {
   std::shared_ptr<const ClassShape> shape;
-  std::string host;       // of the path the instance was created with
-  std::string nameSpace;  // of the path the instance was created with
+  std::string host;               // of the path the instance was created with
+  std::string nameSpace;          // of the path the instance was created with
   std::vector<HostValue> values;  // parallel to shape->properties
   // setPropertyFilter: when set, only these names (and keys) may be set.
   std::optional<std::vector<std::string>> filter;
