@@ -1,5 +1,6 @@
 #include "cli/Request.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 
@@ -113,12 +114,8 @@ bool AsksForHelp(const std::vector<std::string>& words) {
   if (!words.empty() && words[0] == "help") {
     return true;
   }
-  for (const std::string& word : words) {
-    if (word == "--help" || word == "-h") {
-      return true;
-    }
-  }
-  return false;
+  return std::any_of(words.begin(), words.end(),
+                     [](const std::string& word) { return word == "--help" || word == "-h"; });
 }
 
 const VerbInfo& VerbOf(const std::vector<std::string>& words) {

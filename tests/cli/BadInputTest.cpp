@@ -34,7 +34,7 @@ void ExpectRefused(const BadInput& c) {
   }
 }
 
-const std::string kWidget = "Cli_Widget.Name=\"w1\"";
+const char* const kWidget = R"(Cli_Widget.Name="w1")";
 
 TEST(BadInputTest, UsageErrors) {
   const BadInput cases[] = {

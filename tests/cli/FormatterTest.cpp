@@ -50,7 +50,7 @@ InstanceSnapshot Sample() {
   tags.elements = {Text(CMPI_string, "a"), Null(CMPI_string)};
   InstanceSnapshot instance;
   instance.className = "Cli_Shelf";
-  instance.path = "root/cimv2:Cli_Shelf.Id=\"s\\\"1\"";
+  instance.path = R"(root/cimv2:Cli_Shelf.Id="s\"1")";
   instance.properties = {{"Id", Text(CMPI_string, "s\"1\t\x01")},
                          {"Count", count},
                          {"Offset", offset},

@@ -1,10 +1,10 @@
 #include "RunCommand.h"
 
 #include <fcntl.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -43,7 +43,7 @@ ScratchDir::~ScratchDir() {
 }
 
 std::string ScratchDir::write(const std::string& name, const std::string& text) const {
-  const std::string file = path_ + "/" + name;
+  std::string file = path_ + "/" + name;
   std::ofstream(file, std::ios::binary) << text;
   return file;
 }
@@ -56,6 +56,7 @@ CommandResult RunCmpihost(const std::vector<std::string>& args, const std::strin
   std::vector<std::string> words = {CMPIHOST_BINARY};
   words.insert(words.end(), args.begin(), args.end());
   std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
   for (std::string& word : words) {
     argv.push_back(word.data());
   }

@@ -46,7 +46,7 @@ TEST(TokenizerTest, BadQuotingNamesTheColumn) {
   } cases[] = {
       {"gi 'Cli_Shelf.Id=\"s1\"", "column 4: unterminated single quote"},
       {"echo ok \"open", "column 9: unterminated double quote"},
-      {"echo \"a\\\"", "column 6: unterminated double quote"},
+      {R"(echo "a\")", "column 6: unterminated double quote"},
       {"echo x\\", "column 7: a backslash at the end of the line escapes nothing"},
   };
   for (const auto& c : cases) {
