@@ -160,7 +160,7 @@ bool ScriptRunner::runDirective(const std::vector<std::string>& words, const Scr
   } else if (directive == "mof") {
     session_.loadMof(resolve(OneArgument(words, "FILE"), source));
   } else if (directive == "providers") {
-    session_.loadRegistrations(resolve(OneArgument(words, "FILE"), source));
+    session_.loadRegistrations(resolve(OneArgument(words, "REGFILE"), source));
   } else if (directive == "lib-dir") {
     session_.addLibraryDir(resolve(OneArgument(words, "DIR"), source));
   } else if (directive == "namespace") {

@@ -163,13 +163,13 @@ TEST(HelpTest, GeneralHelpNamesEveryVerbAndOption) {
   for (const VerbInfo& verb : AllVerbs()) {
     EXPECT_NE(help.find("\n  " + std::string(verb.name) + " "), std::string::npos) << verb.name;
   }
-  for (const char* option : {"--mof FILE", "--providers FILE", "--lib-dir DIR", "--namespace NS",
+  for (const char* option : {"--mof FILE", "--providers REGFILE", "--lib-dir DIR", "--namespace NS",
                              "--json", "--trace", "--progress", "--help", "--version",
                              "--assoc-class", "--result-class", "--role", "--result-role"}) {
     EXPECT_NE((help + HelpFor({"ai"})).find(option), std::string::npos) << option;
   }
   for (const char* directive :
-       {"echo TEXT", "mof FILE", "providers FILE", "lib-dir DIR", "namespace NS"}) {
+       {"echo TEXT", "mof FILE", "providers REGFILE", "lib-dir DIR", "namespace NS"}) {
     EXPECT_NE(help.find(directive), std::string::npos) << directive;
   }
 }
