@@ -12,7 +12,7 @@ namespace cmpihost::cli {
 struct Executor::ClassTarget {
   std::string nameSpace;
   const ClassDecl* decl = nullptr;
-  std::string text;  // the path text with its namespace
+  std::string text;  // the path text for the host, the default namespace filled in
 };
 
 namespace {
@@ -81,8 +81,8 @@ const ParameterDecl& RequireInputParameter(const ClassDecl& decl, const MethodDe
                    (known.empty() ? " (it takes none)" : " (its input parameters: " + known + ")"));
 }
 
-std::vector<Argument> TypedArguments(const ClassDecl& decl, const MethodDecl& method,
-                                     const std::vector<MethodArgument>& given) {
+std::vector<Argument> CheckedArguments(const ClassDecl& decl, const MethodDecl& method,
+                                       const std::vector<MethodArgument>& given) {
   std::vector<Argument> arguments;
   for (const MethodArgument& each : given) {
     const ParameterDecl& parameter = RequireInputParameter(decl, method, each.name);
@@ -138,8 +138,11 @@ void Executor::requireClass(const std::string& nameSpace, const std::string& cla
   }
 }
 
-Executor::ClassTarget Executor::resolvePath(const std::string& text) const {
+Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly) const {
   const PathHead head = ReadPathHead(text);
+  if (classOnly && head.hasKeys) {
+    throw UsageError("expected a class name, not an instance path: " + text);
+  }
   ClassTarget target;
   target.nameSpace = head.nameSpace.empty() ? session_.nameSpace() : head.nameSpace;
   requireClass(target.nameSpace, head.className);
@@ -152,13 +155,6 @@ Executor::ClassTarget Executor::resolvePath(const std::string& text) const {
   return target;
 }
 
-Executor::ClassTarget Executor::resolveClass(const std::string& text) const {
-  if (ReadPathHead(text).hasKeys) {
-    throw UsageError("expected a class name, not an instance path: " + text);
-  }
-  return resolvePath(text);
-}
-
 Outcome Executor::enumerateClassNames(const Request& request) const {
   std::vector<const ClassDecl*> classes;
   if (request.target.empty()) {
@@ -167,7 +163,7 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
       throw UsageError("namespace " + session_.nameSpace() + " holds no classes");
     }
   } else {
-    const ClassTarget target = resolveClass(request.target);
+    const ClassTarget target = resolve(request.target, true);
     classes = session_.repository().classAndSubclasses(target.nameSpace, target.decl->name());
   }
   std::vector<std::string> names;
@@ -179,7 +175,7 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
 }
 
 Outcome Executor::enumerateInstances(const Request& request) {
-  const ClassTarget target = resolveClass(request.target);
+  const ClassTarget target = resolve(request.target, true);
   Host& host = session_.host();
   const bool names = request.verb->verb == Verb::kEnumerateInstanceNames;
   const Reply reply = names ? host.enumerateInstanceNames(target.nameSpace, target.decl->name())
@@ -208,7 +204,7 @@ Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) c
 }
 
 Outcome Executor::getInstance(const Request& request) {
-  const ClassTarget target = resolvePath(request.target);
+  const ClassTarget target = resolve(request.target, false);
   const Reply reply = session_.host().getInstance(target.text);
   Outcome outcome;
   if (reply.status.rc != CMPI_RC_OK) {
@@ -222,9 +218,9 @@ Outcome Executor::getInstance(const Request& request) {
 }
 
 Outcome Executor::invokeMethod(const Request& request) {
-  const ClassTarget target = resolvePath(request.target);
+  const ClassTarget target = resolve(request.target, false);
   const MethodDecl& method = RequireMethod(*target.decl, request.method);
-  const std::vector<Argument> arguments = TypedArguments(*target.decl, method, request.arguments);
+  const std::vector<Argument> arguments = CheckedArguments(*target.decl, method, request.arguments);
   std::vector<Property> out;
   const Reply reply = session_.host().invokeMethod(target.text, method.name, arguments, &out);
   if (reply.status.rc != CMPI_RC_OK) {
@@ -235,7 +231,7 @@ Outcome Executor::invokeMethod(const Request& request) {
 }
 
 Outcome Executor::associate(const Request& request) {
-  const ClassTarget target = resolvePath(request.target);
+  const ClassTarget target = resolve(request.target, false);
   const AssociationFilter& filter = request.filter;
   for (const auto* className : {&filter.assocClass, &filter.resultClass}) {
     if (className->has_value()) {

@@ -28,8 +28,8 @@ class Executor {
 
  private:
   struct ClassTarget;
-  ClassTarget resolveClass(const std::string& text) const;
-  ClassTarget resolvePath(const std::string& text) const;
+  // The class a CLASS (`classOnly`) or PATH argument names, which must exist.
+  ClassTarget resolve(const std::string& text, bool classOnly) const;
   void requireClass(const std::string& nameSpace, const std::string& className) const;
 
   Outcome dispatch(const Request& request);
