@@ -38,6 +38,10 @@ struct Plan {
 };
 
 std::string ReadScript(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    throw UsageError("run: cannot read the script " + path + ": it is a directory");
+  }
   std::ifstream file(path);
   if (!file) {
     throw UsageError("run: cannot open the script " + path);

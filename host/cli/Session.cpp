@@ -30,6 +30,11 @@ void Session::loadMof(const std::string& path) {
 }
 
 void Session::loadRegistrations(const std::string& path) {
+  // The host would read a folder as an empty file and register nothing.
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    throw UsageError(path + ":0: cannot read the registration file: it is a directory");
+  }
   std::vector<std::string> dirs = libraryDirs_;
   const std::filesystem::path folder = std::filesystem::path(path).parent_path();
   dirs.push_back(folder.empty() ? std::string(".") : folder.string());

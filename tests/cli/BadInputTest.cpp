@@ -52,6 +52,12 @@ TEST(BadInputTest, UsageErrors) {
        "cmpihost: ri: unknown option --result-role (usage: cmpihost ri PATH [--result-class C] "
        "[--role R])\n"},
       {"run without file", {"run"}, "cmpihost: run: missing FILE (usage: cmpihost run FILE)\n"},
+      {"script that is a folder",
+       {"run", "/"},
+       "cmpihost: run: cannot read the script /: it is a directory\n"},
+      {"registration file that is a folder",
+       {"--providers", "/", "ecn"},
+       "cmpihost: /:0: cannot read the registration file: it is a directory\n"},
       {"missing script",
        {"run", "/nonexistent/x.cmpihost"},
        "cmpihost: run: cannot open the script /nonexistent/x.cmpihost\n"},
