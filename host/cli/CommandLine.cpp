@@ -1,0 +1,186 @@
+#include "cli/CommandLine.h"
+
+#include <unistd.h>
+
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "cli/Executor.h"
+#include "cli/Help.h"
+#include "cli/JsonFormatter.h"
+#include "cli/Options.h"
+#include "cli/Progress.h"
+#include "cli/Request.h"
+#include "cli/ScriptRunner.h"
+#include "cli/Session.h"
+#include "cli/TextFormatter.h"
+#include "cli/TraceLine.h"
+#include "cli/UsageError.h"
+
+#ifndef CMPIHOST_VERSION
+#define CMPIHOST_VERSION "unknown"
+#endif
+
+namespace cmpihost::cli {
+namespace {
+
+// What the words after the options ask for.
+struct Plan {
+  enum class Kind { kRequest, kScriptFile, kStandardInput };
+  Kind kind = Kind::kRequest;
+  Request request;
+  std::string scriptPath;
+  std::string scriptText;
+};
+
+std::string ReadScript(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    throw UsageError("run: cannot read the script " + path + ": it is a directory");
+  }
+  std::ifstream file(path);
+  if (!file) {
+    throw UsageError("run: cannot open the script " + path);
+  }
+  std::ostringstream text;
+  text << file.rdbuf();
+  if (file.bad()) {
+    throw UsageError("run: cannot read the script " + path);
+  }
+  return text.str();
+}
+
+// Checked before anything is loaded, so that a typo is reported at once.
+Plan MakePlan(const std::vector<std::string>& words) {
+  Plan plan;
+  if (words.empty()) {
+    if (isatty(STDIN_FILENO) != 0) {
+      VerbOf(words);  // throws: no verb given
+    }
+    plan.kind = Plan::Kind::kStandardInput;
+    return plan;
+  }
+  const VerbInfo& verb = VerbOf(words);
+  if (verb.verb == Verb::kStdin) {
+    if (words.size() > 1) {
+      throw UsageError("-: unexpected argument \"" + words[1] + "\" (usage: cmpihost -)");
+    }
+    plan.kind = Plan::Kind::kStandardInput;
+  } else if (verb.verb == Verb::kRun) {
+    if (words.size() != 2) {
+      throw UsageError(
+          std::string("run: ") +
+          (words.size() < 2 ? "missing FILE" : "unexpected argument \"" + words[2] + "\"") +
+          " (usage: cmpihost run FILE)");
+    }
+    plan.kind = Plan::Kind::kScriptFile;
+    plan.scriptPath = words[1];
+    plan.scriptText = ReadScript(plan.scriptPath);
+  } else {
+    plan.request = ParseRequest(words);
+  }
+  return plan;
+}
+
+Progress::Mode ProgressMode(const Options& options, const Plan& plan) {
+  if (plan.kind == Plan::Kind::kRequest) {
+    return Progress::Mode::kOff;
+  }
+  const bool terminal = isatty(STDERR_FILENO) != 0;
+  if (options.progress) {
+    return terminal ? Progress::Mode::kInPlace : Progress::Mode::kLines;
+  }
+  return terminal && plan.kind == Plan::Kind::kScriptFile ? Progress::Mode::kInPlace
+                                                          : Progress::Mode::kOff;
+}
+
+void Load(Session& session, const Options& options) {
+  session.setNameSpace(options.nameSpace);
+  for (const std::string& dir : options.libraryDirs) {
+    session.addLibraryDir(dir);
+  }
+  for (const std::string& mof : options.mofFiles) {
+    session.loadMof(mof);
+  }
+  for (const std::string& registration : options.registrationFiles) {
+    session.loadRegistrations(registration);
+  }
+}
+
+int RunRequest(Session& session, const Formatter& formatter, const Request& request) {
+  Executor executor(session, formatter);
+  const Outcome outcome = executor.run(request);
+  std::cout << outcome.output << std::flush;
+  if (!outcome.failure.empty()) {
+    std::cerr << "cmpihost: " << outcome.failure << '\n';
+    return 1;
+  }
+  return 0;
+}
+
+int RunScript(Session& session, const Formatter& formatter, Progress& progress, const Plan& plan) {
+  ScriptRunner runner(session, formatter, progress, std::cout, std::cerr);
+  ScriptSource source;
+  if (plan.kind == Plan::Kind::kStandardInput) {
+    source.name = "<stdin>";
+    source.stopOnBadLine = isatty(STDIN_FILENO) == 0;
+    return runner.run(std::cin, source);
+  }
+  source.name = plan.scriptPath;
+  source.folder = std::filesystem::path(plan.scriptPath).parent_path().string();
+  source.commandCount = ScriptRunner::CountCommands(plan.scriptText);
+  std::istringstream text(plan.scriptText);
+  return runner.run(text, source);
+}
+
+int Run(const Options& options) {
+  if (options.version) {
+    std::cout << "cmpihost " << CMPIHOST_VERSION << '\n';
+    return 0;
+  }
+  if (options.help || AsksForHelp(options.words)) {
+    std::cout << HelpFor(options.words);
+    return 0;
+  }
+  const Plan plan = MakePlan(options.words);
+  const TextFormatter text;
+  const JsonFormatter json;
+  const Formatter& formatter = options.json ? static_cast<const Formatter&>(json) : text;
+  // Declared before the session: the host's providers may log until it is gone.
+  Progress progress(std::cerr, ProgressMode(options, plan));
+  Session session;
+  if (options.trace) {
+    session.host().onLog([&progress](const LogRecord& record) {
+      progress.clear();
+      std::cout << std::flush;
+      std::cerr << TraceLine(record) << '\n';
+    });
+  }
+  Load(session, options);
+  if (plan.kind == Plan::Kind::kRequest) {
+    return RunRequest(session, formatter, plan.request);
+  }
+  return RunScript(session, formatter, progress, plan);
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+  try {
+    return Run(ParseOptions(argc, argv));
+  } catch (const UsageError& error) {
+    std::cout << std::flush;
+    std::cerr << "cmpihost: " << error.what() << '\n';
+    return 2;
+  } catch (const std::exception& error) {
+    std::cout << std::flush;
+    std::cerr << "cmpihost: unexpected error: " << error.what() << '\n';
+    return 1;
+  }
+}
+
+}  // namespace cmpihost::cli

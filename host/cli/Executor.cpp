@@ -1,0 +1,262 @@
+#include "cli/Executor.h"
+
+#include <strings.h>
+
+#include "cli/CmpiNames.h"
+#include "cli/PathHead.h"
+#include "cli/UsageError.h"
+#include "repository/ClassRepository.h"
+
+namespace cmpihost::cli {
+
+struct Executor::ClassTarget {
+  std::string nameSpace;
+  const ClassDecl* decl = nullptr;
+  std::string text;  // the path text for the host, the default namespace filled in
+};
+
+namespace {
+
+constexpr const char* kHostNameSpace = "root/cimv2";
+
+bool SameName(const std::string& a, const std::string& b) {
+  return strcasecmp(a.c_str(), b.c_str()) == 0;
+}
+
+std::string Failure(const VerbInfo& verb, const Status& status) {
+  std::string text = std::string(verb.operation) + " failed: " + StatusName(status.rc) + " (" +
+                     std::to_string(status.rc) + ")";
+  if (status.hasMessage && !status.message.empty()) {
+    text += ": " + status.message;
+  }
+  return text;
+}
+
+std::string NameList(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) {
+    text += (text.empty() ? "" : ", ") + name;
+  }
+  return text;
+}
+
+std::string MethodNames(const ClassDecl& decl) {
+  std::vector<std::string> names;
+  for (const MethodDecl& method : decl.methods()) {
+    names.push_back(method.name);
+  }
+  return NameList(names);
+}
+
+std::string InputParameterNames(const MethodDecl& method) {
+  std::vector<std::string> names;
+  for (const ParameterDecl& parameter : method.parameters) {
+    if (parameter.isIn) {
+      names.push_back(parameter.name);
+    }
+  }
+  return NameList(names);
+}
+
+const MethodDecl& RequireMethod(const ClassDecl& decl, const std::string& name) {
+  const MethodDecl* method = decl.findMethod(name);
+  if (method == nullptr) {
+    const std::string known = MethodNames(decl);
+    throw UsageError("class " + decl.name() + " has no method " + name +
+                     (known.empty() ? " (it declares none)" : " (its methods: " + known + ")"));
+  }
+  return *method;
+}
+
+const ParameterDecl& RequireInputParameter(const ClassDecl& decl, const MethodDecl& method,
+                                           const std::string& name) {
+  for (const ParameterDecl& parameter : method.parameters) {
+    if (SameName(parameter.name, name) && parameter.isIn) {
+      return parameter;
+    }
+  }
+  const std::string known = InputParameterNames(method);
+  throw UsageError("method " + method.name + " of class " + decl.name() +
+                   " has no input parameter " + name +
+                   (known.empty() ? " (it takes none)" : " (its input parameters: " + known + ")"));
+}
+
+std::vector<Argument> CheckedArguments(const ClassDecl& decl, const MethodDecl& method,
+                                       const std::vector<MethodArgument>& given) {
+  std::vector<Argument> arguments;
+  for (const MethodArgument& each : given) {
+    const ParameterDecl& parameter = RequireInputParameter(decl, method, each.name);
+    for (const Argument& earlier : arguments) {
+      if (SameName(earlier.name, parameter.name)) {
+        throw UsageError("argument " + parameter.name + " is given twice");
+      }
+    }
+    arguments.push_back(Argument{parameter.name, each.value, std::nullopt});
+  }
+  return arguments;
+}
+
+}  // namespace
+
+Executor::Executor(Session& session, const Formatter& formatter)
+    : session_(session), formatter_(formatter) {}
+
+Outcome Executor::run(const Request& request) {
+  try {
+    return dispatch(request);
+  } catch (const UsageError& error) {
+    throw UsageError(std::string(request.verb->name) + ": " + error.what());
+  } catch (const HostError& error) {
+    throw UsageError(std::string(request.verb->name) + ": " + error.what());
+  }
+}
+
+Outcome Executor::dispatch(const Request& request) {
+  switch (request.verb->verb) {
+    case Verb::kEnumerateClassNames:
+      return enumerateClassNames(request);
+    case Verb::kEnumerateInstances:
+    case Verb::kEnumerateInstanceNames:
+      return enumerateInstances(request);
+    case Verb::kGetInstance:
+      return getInstance(request);
+    case Verb::kInvokeMethod:
+      return invokeMethod(request);
+    case Verb::kAssociators:
+    case Verb::kAssociatorNames:
+    case Verb::kReferences:
+    case Verb::kReferenceNames:
+      return associate(request);
+    default:
+      throw UsageError("not a request verb");
+  }
+}
+
+void Executor::requireClass(const std::string& nameSpace, const std::string& className) const {
+  if (session_.repository().findClass(nameSpace, className) == nullptr) {
+    throw UsageError("unknown class " + className + " in namespace " + nameSpace);
+  }
+}
+
+Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly) const {
+  const PathHead head = ReadPathHead(text);
+  if (classOnly && head.hasKeys) {
+    throw UsageError("expected a class name, not an instance path: " + text);
+  }
+  ClassTarget target;
+  target.nameSpace = head.nameSpace.empty() ? session_.nameSpace() : head.nameSpace;
+  requireClass(target.nameSpace, head.className);
+  target.decl = session_.repository().findClass(target.nameSpace, head.className);
+  // The host reads paths without a namespace as root/cimv2; leaving those
+  // as typed keeps the columns of the host's own path errors right.
+  target.text = session_.nameSpace() == kHostNameSpace
+                    ? text
+                    : WithNameSpace(text, head, session_.nameSpace());
+  return target;
+}
+
+Outcome Executor::enumerateClassNames(const Request& request) const {
+  std::vector<const ClassDecl*> classes;
+  if (request.target.empty()) {
+    classes = session_.repository().classes(session_.nameSpace());
+    if (classes.empty()) {
+      throw UsageError("namespace " + session_.nameSpace() + " holds no classes");
+    }
+  } else {
+    const ClassTarget target = resolve(request.target, true);
+    classes = session_.repository().classAndSubclasses(target.nameSpace, target.decl->name());
+  }
+  std::vector<std::string> names;
+  names.reserve(classes.size());
+  for (const ClassDecl* decl : classes) {
+    names.push_back(decl->name());
+  }
+  return Outcome{formatter_.classNames(names), ""};
+}
+
+Outcome Executor::enumerateInstances(const Request& request) {
+  const ClassTarget target = resolve(request.target, true);
+  Host& host = session_.host();
+  const bool names = request.verb->verb == Verb::kEnumerateInstanceNames;
+  const Reply reply = names ? host.enumerateInstanceNames(target.nameSpace, target.decl->name())
+                            : host.enumerateInstances(target.nameSpace, target.decl->name());
+  return listed(*request.verb, reply, names);
+}
+
+Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) const {
+  Outcome outcome;
+  if (reply.status.rc != CMPI_RC_OK) {
+    outcome.failure = Failure(verb, reply.status);
+  }
+  // After a failure, what was delivered before it is still shown.
+  if (names) {
+    const std::vector<std::string> paths = reply.paths();
+    if (outcome.failure.empty() || !paths.empty()) {
+      outcome.output = formatter_.paths(paths);
+    }
+  } else {
+    const std::vector<InstanceSnapshot> instances = reply.instances();
+    if (outcome.failure.empty() || !instances.empty()) {
+      outcome.output = formatter_.instances(instances);
+    }
+  }
+  return outcome;
+}
+
+Outcome Executor::getInstance(const Request& request) {
+  const ClassTarget target = resolve(request.target, false);
+  const Reply reply = session_.host().getInstance(target.text);
+  Outcome outcome;
+  if (reply.status.rc != CMPI_RC_OK) {
+    outcome.failure = Failure(*request.verb, reply.status);
+  }
+  const std::vector<InstanceSnapshot> instances = reply.instances();
+  if (!instances.empty()) {
+    outcome.output = formatter_.instance(instances.front());
+  }
+  return outcome;
+}
+
+Outcome Executor::invokeMethod(const Request& request) {
+  const ClassTarget target = resolve(request.target, false);
+  const MethodDecl& method = RequireMethod(*target.decl, request.method);
+  const std::vector<Argument> arguments = CheckedArguments(*target.decl, method, request.arguments);
+  std::vector<Property> out;
+  const Reply reply = session_.host().invokeMethod(target.text, method.name, arguments, &out);
+  if (reply.status.rc != CMPI_RC_OK) {
+    return Outcome{"", Failure(*request.verb, reply.status)};
+  }
+  const std::vector<Value> data = reply.data();
+  return Outcome{formatter_.methodResult(data.empty() ? nullptr : &data.front(), out), ""};
+}
+
+Outcome Executor::associate(const Request& request) {
+  const ClassTarget target = resolve(request.target, false);
+  const AssociationFilter& filter = request.filter;
+  for (const auto* className : {&filter.assocClass, &filter.resultClass}) {
+    if (className->has_value()) {
+      requireClass(target.nameSpace, **className);
+    }
+  }
+  Host& host = session_.host();
+  Reply reply;
+  bool names = false;
+  switch (request.verb->verb) {
+    case Verb::kAssociators:
+      reply = host.associators(target.text, filter);
+      break;
+    case Verb::kAssociatorNames:
+      reply = host.associatorNames(target.text, filter);
+      names = true;
+      break;
+    case Verb::kReferences:
+      reply = host.references(target.text, filter);
+      break;
+    default:
+      reply = host.referenceNames(target.text, filter);
+      names = true;
+  }
+  return listed(*request.verb, reply, names);
+}
+
+}  // namespace cmpihost::cli

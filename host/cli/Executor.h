@@ -1,0 +1,50 @@
+// Runs one request against the session's host: checks the classes, the
+// method and its arguments against the loaded MOF first (so that bad input
+// is reported as such), then asks the host and formats what came back.
+#ifndef CMPIHOST_CLI_EXECUTOR_H_
+#define CMPIHOST_CLI_EXECUTOR_H_
+
+#include <string>
+
+#include "cli/Formatter.h"
+#include "cli/Request.h"
+#include "cli/Session.h"
+
+namespace cmpihost::cli {
+
+struct Outcome {
+  std::string output;   // for standard output; may be empty
+  std::string failure;  // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+};
+
+class Executor {
+ public:
+  Executor(Session& session, const Formatter& formatter);
+
+  // Throws UsageError "verb: problem" for bad input: an unknown class,
+  // method or parameter, a malformed path, an argument of the wrong type.
+  // Results delivered before a request failed are kept in the output.
+  Outcome run(const Request& request);
+
+ private:
+  struct ClassTarget;
+  // The class a CLASS (`classOnly`) or PATH argument names, which must exist.
+  ClassTarget resolve(const std::string& text, bool classOnly) const;
+  void requireClass(const std::string& nameSpace, const std::string& className) const;
+
+  Outcome dispatch(const Request& request);
+  Outcome enumerateClassNames(const Request& request) const;
+  Outcome enumerateInstances(const Request& request);
+  Outcome getInstance(const Request& request);
+  Outcome invokeMethod(const Request& request);
+  Outcome associate(const Request& request);
+  // The paths (`names`) or instances of a reply, and its failure if any.
+  Outcome listed(const VerbInfo& verb, const Reply& reply, bool names) const;
+
+  Session& session_;
+  const Formatter& formatter_;
+};
+
+}  // namespace cmpihost::cli
+
+#endif  // CMPIHOST_CLI_EXECUTOR_H_

@@ -1,0 +1,32 @@
+// How results are printed: MOF-like text for people (TextFormatter) or JSON
+// for programs (JsonFormatter). Each call returns the whole text of one
+// command's result, newline included, so that nothing is half-printed.
+#ifndef CMPIHOST_CLI_FORMATTER_H_
+#define CMPIHOST_CLI_FORMATTER_H_
+
+#include <string>
+#include <vector>
+
+#include "cmpihost/InstanceSnapshot.h"
+#include "cmpihost/Value.h"
+
+namespace cmpihost::cli {
+
+class Formatter {
+ public:
+  virtual ~Formatter() = default;
+
+  virtual std::string classNames(const std::vector<std::string>& names) const = 0;
+  virtual std::string paths(const std::vector<std::string>& paths) const = 0;
+  virtual std::string instances(const std::vector<InstanceSnapshot>& instances) const = 0;
+  virtual std::string instance(const InstanceSnapshot& instance) const = 0;
+  // `returnValue` is null when the provider returned no data.
+  virtual std::string methodResult(const Value* returnValue,
+                                   const std::vector<Property>& outArguments) const = 0;
+  // A script's echo line.
+  virtual std::string echo(const std::string& text) const = 0;
+};
+
+}  // namespace cmpihost::cli
+
+#endif  // CMPIHOST_CLI_FORMATTER_H_

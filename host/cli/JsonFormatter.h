@@ -1,0 +1,23 @@
+// Results for programs: one compact JSON document per command, on one line.
+// Instances are {"className", "path", "properties": {NAME: {"type", "value"}}}.
+#ifndef CMPIHOST_CLI_JSONFORMATTER_H_
+#define CMPIHOST_CLI_JSONFORMATTER_H_
+
+#include "cli/Formatter.h"
+
+namespace cmpihost::cli {
+
+class JsonFormatter : public Formatter {
+ public:
+  std::string classNames(const std::vector<std::string>& names) const override;
+  std::string paths(const std::vector<std::string>& paths) const override;
+  std::string instances(const std::vector<InstanceSnapshot>& instances) const override;
+  std::string instance(const InstanceSnapshot& instance) const override;
+  std::string methodResult(const Value* returnValue,
+                           const std::vector<Property>& outArguments) const override;
+  std::string echo(const std::string& text) const override;
+};
+
+}  // namespace cmpihost::cli
+
+#endif  // CMPIHOST_CLI_JSONFORMATTER_H_

@@ -1,0 +1,122 @@
+#include "cli/Verbs.h"
+
+namespace cmpihost::cli {
+namespace {
+
+const char* const kFilterOptions =
+    "      --assoc-class C   only through associations of class C (or its subclasses)\n"
+    "      --result-class C  only other ends of class C (or its subclasses)\n"
+    "      --role R          only where PATH's object plays role R\n"
+    "      --result-role R   only where the other end plays role R\n";
+
+const char* const kReferenceOptions =
+    "      --result-class C  only associations of class C (or its subclasses)\n"
+    "      --role R          only where PATH's object plays role R\n";
+
+std::vector<VerbInfo> MakeVerbs() {
+  const std::string filters = "  Filter options (each may also be written --option=VALUE):\n";
+  return {
+      {"ecn", Verb::kEnumerateClassNames, "EnumerateClassNames", "[CLASS]",
+       "list the classes (or CLASS and its subclasses)",
+       "  Class names come one per line, superclasses before their subclasses, in the\n"
+       "  order the MOF declared them.\n"
+       "  Examples:\n"
+       "    cmpihost --mof schema.mof ecn\n"
+       "    cmpihost --mof schema.mof ecn CIM_ManagedElement\n"},
+      {"ei", Verb::kEnumerateInstances, "EnumerateInstances", "CLASS",
+       "list the instances of CLASS and its subclasses",
+       "  CLASS may carry a namespace: root/interop:CIM_RegisteredProfile.\n"
+       "  Each instance is printed in MOF, after a comment with its path.\n"
+       "  Example:\n"
+       "    cmpihost --mof schema.mof --providers diag.reg ei CIM_DiagnosticTest\n"},
+      {"ein", Verb::kEnumerateInstanceNames, "EnumerateInstanceNames", "CLASS",
+       "list instance paths of CLASS and subclasses",
+       "  Paths come one per line, in the form gi and cm accept.\n"
+       "  Example:\n"
+       "    cmpihost --mof schema.mof ein CIM_DiagnosticRecord\n"},
+      {"gi", Verb::kGetInstance, "GetInstance", "PATH", "print the instance at PATH",
+       "  PATH is [namespace:]Class.Key=value,...: quote it for the shell, since\n"
+       "  string keys carry double quotes.\n"
+       "  Example:\n"
+       "    cmpihost --mof schema.mof gi 'root/cimv2:CIM_DiagnosticTest.Name=\"fs\"'\n"},
+      {"cm", Verb::kInvokeMethod, "InvokeMethod", "PATH METHOD [NAME=VALUE ...]",
+       "call METHOD on the object at PATH",
+       "  Each NAME must be an input parameter of the method; VALUE is typed by the\n"
+       "  parameter's declaration: numbers in decimal, TRUE/FALSE, date-times in\n"
+       "  their 25-character form, references as path texts, arrays as\n"
+       "  comma-separated elements (optionally in braces). PATH may be a bare class\n"
+       "  name for a static method.\n"
+       "  Prints \"ReturnValue = value\", then each output argument as \"Name = value\".\n"
+       "  Example:\n"
+       "    cmpihost --mof schema.mof --providers diag.reg \\\n"
+       "      cm 'CIM_DiagnosticTest.Name=\"fs\"' RunDiagnostic \\\n"
+       "      'ManagedElement=CIM_FileSystem.Name=\"/\"'\n"},
+      {"ai", Verb::kAssociators, "Associators", "PATH [FILTER OPTIONS]",
+       "list the instances associated with PATH",
+       filters + kFilterOptions +
+           "  Instances print as ei prints them.\n"
+           "  Example:\n"
+           "    cmpihost --mof schema.mof --providers diag.reg \\\n"
+           "      ai 'CIM_DiagnosticTest.Name=\"fs\"' \\\n"
+           "      --assoc-class CIM_AvailableDiagnosticService\n"},
+      {"ain", Verb::kAssociatorNames, "AssociatorNames", "PATH [FILTER OPTIONS]",
+       "list the paths associated with PATH",
+       filters + kFilterOptions +
+           "  Paths print one per line.\n"
+           "  Example:\n"
+           "    cmpihost --mof schema.mof --providers diag.reg \\\n"
+           "      ain 'CIM_DiagnosticTest.Name=\"fs\"' --result-class CIM_FileSystem\n"},
+      {"ri", Verb::kReferences, "References", "PATH [--result-class C] [--role R]",
+       "list the associations that refer to PATH",
+       filters + kReferenceOptions +
+           "  Instances print as ei prints them.\n"
+           "  Example:\n"
+           "    cmpihost --mof schema.mof --providers diag.reg \\\n"
+           "      ri 'CIM_DiagnosticTest.Name=\"fs\"' --role ServiceProvided\n"},
+      {"rin", Verb::kReferenceNames, "ReferenceNames", "PATH [--result-class C] [--role R]",
+       "list association paths that refer to PATH",
+       filters + kReferenceOptions +
+           "  Paths print one per line.\n"
+           "  Example:\n"
+           "    cmpihost --mof schema.mof --providers diag.reg \\\n"
+           "      rin 'CIM_DiagnosticTest.Name=\"fs\"' \\\n"
+           "      --result-class CIM_ServiceAffectsElement\n"},
+      {"run", Verb::kRun, "", "FILE", "run a script FILE's commands in one process",
+       "  See SCRIPTS in cmpihost --help.\n"
+       "  Example:\n"
+       "    cmpihost --mof schema.mof --providers diag.reg run demo.cmpihost\n"},
+      {"-", Verb::kStdin, "", "", "run the commands read from standard input",
+       "  As run, reading standard input (also what happens when no verb is given\n"
+       "  and standard input is not a terminal). Lines run as they arrive.\n"
+       "  Example:\n"
+       "    printf 'ecn\\nei CIM_DiagnosticTest\\n' | cmpihost --mof schema.mof -\n"},
+      {"help", Verb::kHelp, "", "[VERB]", "print this help, or the help of VERB",
+       "  Also: cmpihost --help, cmpihost VERB --help.\n"},
+  };
+}
+
+}  // namespace
+
+const std::vector<VerbInfo>& AllVerbs() {
+  static const std::vector<VerbInfo> verbs = MakeVerbs();
+  return verbs;
+}
+
+const VerbInfo* FindVerb(const std::string& name) {
+  for (const VerbInfo& info : AllVerbs()) {
+    if (name == info.name) {
+      return &info;
+    }
+  }
+  return nullptr;
+}
+
+std::string VerbNames() {
+  std::string names;
+  for (const VerbInfo& info : AllVerbs()) {
+    names += (names.empty() ? "" : ", ") + std::string(info.name);
+  }
+  return names;
+}
+
+}  // namespace cmpihost::cli

@@ -1,0 +1,184 @@
+// Bad usage and bad input: each gives exit code 2, nothing on standard
+// output and exactly one line on standard error that says what and where.
+// Where the host words the problem (a path's keys, a value, a MOF or
+// registration file), the command's part and the location are compared
+// exactly and the host's wording after them is left to the host's tests.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "RunCommand.h"
+
+namespace cmpihost::testing {
+namespace {
+
+struct BadInput {
+  const char* what;
+  std::vector<std::string> args;
+  std::string err;  // the whole of standard error, or its start when it ends in "..."
+};
+
+void ExpectRefused(const BadInput& c) {
+  const CommandResult result = RunCmpihost(c.args);
+  EXPECT_EQ(result.exitCode, 2) << c.what << "\n" << result.err;
+  EXPECT_EQ(result.out, "") << c.what;
+  const std::string ellipsis = "...";
+  if (c.err.size() > ellipsis.size() &&
+      c.err.compare(c.err.size() - ellipsis.size(), ellipsis.size(), ellipsis) == 0) {
+    const std::string start = c.err.substr(0, c.err.size() - ellipsis.size());
+    EXPECT_EQ(result.err.substr(0, start.size()), start) << c.what;
+    EXPECT_EQ(result.err.find('\n'), result.err.size() - 1) << c.what << ": not one line";
+  } else {
+    EXPECT_EQ(result.err, c.err) << c.what;
+  }
+}
+
+const char* const kWidget = R"(Cli_Widget.Name="w1")";
+
+TEST(BadInputTest, UsageErrors) {
+  const BadInput cases[] = {
+      {"unknown verb",
+       {"eii", "Cli_Shelf"},
+       "cmpihost: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "help; see cmpihost --help)\n"},
+      {"missing argument", {"gi"}, "cmpihost: gi: missing PATH (usage: cmpihost gi PATH)\n"},
+      {"unknown option",
+       {"--jsn", "ecn"},
+       "cmpihost: unknown option --jsn (see cmpihost --help)\n"},
+      {"option without value", {"--mof"}, "cmpihost: option --mof needs a value (FILE)\n"},
+      {"unknown filter option",
+       {"ri", kWidget, "--result-role", "X"},
+       "cmpihost: ri: unknown option --result-role (usage: cmpihost ri PATH [--result-class C] "
+       "[--role R])\n"},
+      {"run without file", {"run"}, "cmpihost: run: missing FILE (usage: cmpihost run FILE)\n"},
+      {"script that is a folder",
+       {"run", "/"},
+       "cmpihost: run: cannot read the script /: it is a directory\n"},
+      {"registration file that is a folder",
+       {"--providers", "/", "ecn"},
+       "cmpihost: /:0: cannot read the registration file: it is a directory\n"},
+      {"missing script",
+       {"run", "/nonexistent/x.cmpihost"},
+       "cmpihost: run: cannot open the script /nonexistent/x.cmpihost\n"},
+      {"dash with arguments",
+       {"-", "ecn"},
+       "cmpihost: -: unexpected argument \"ecn\" (usage: cmpihost -)\n"},
+      {"help for an unknown verb",
+       {"help", "nope"},
+       "cmpihost: unknown verb \"nope\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "help; see cmpihost --help)\n"},
+  };
+  for (const BadInput& c : cases) {
+    ExpectRefused(c);
+  }
+}
+
+TEST(BadInputTest, PathsClassesMethodsAndArguments) {
+  const BadInput cases[] = {
+      {"malformed path head",
+       {"gi", "Cli_Shelf:Id=\"s1\""},
+       "cmpihost: gi: path text 'Cli_Shelf:Id=\"s1\"': column 13: expected '.' and keys after the "
+       "class name, found '='\n"},
+      {"malformed keys",
+       {"gi", "Cli_Shelf.Id=\"s1"},
+       "cmpihost: gi: path text 'Cli_Shelf.Id=\"s1': column 14: ..."},
+      {"unknown key",
+       {"gi", "Cli_Shelf.Nope=\"s1\""},
+       "cmpihost: gi: path text 'Cli_Shelf.Nope=\"s1\"': column 16: ..."},
+      {"class name where a path is needed",
+       {"ei", "Cli_Shelf.Id=\"s1\""},
+       "cmpihost: ei: expected a class name, not an instance path: Cli_Shelf.Id=\"s1\"\n"},
+      {"unknown class",
+       {"ei", "Nope"},
+       "cmpihost: ei: unknown class Nope in namespace root/cimv2\n"},
+      {"unknown class in a path",
+       {"cm", "Nope.Name=\"x\"", "Twice"},
+       "cmpihost: cm: unknown class Nope in namespace root/cimv2\n"},
+      {"unknown filter class",
+       {"ai", kWidget, "--assoc-class", "Nope"},
+       "cmpihost: ai: unknown class Nope in namespace root/cimv2\n"},
+      {"class of another namespace",
+       {"ecn", "root/none:Cli_Shelf"},
+       "cmpihost: ecn: unknown class Cli_Shelf in namespace root/none\n"},
+      {"unknown method",
+       {"cm", kWidget, "Thrice"},
+       "cmpihost: cm: class Cli_Widget has no method Thrice (its methods: Twice, Fail)\n"},
+      {"method of a class without methods",
+       {"cm", "Cli_Shelf.Id=\"s1\"", "Go"},
+       "cmpihost: cm: class Cli_Shelf has no method Go (it declares none)\n"},
+      {"unknown argument",
+       {"cm", kWidget, "Twice", "Count=1"},
+       "cmpihost: cm: method Twice of class Cli_Widget has no input parameter Count (its input "
+       "parameters: N, Label, Peer)\n"},
+      {"output-only argument",
+       {"cm", kWidget, "Twice", "Doubled=x"},
+       "cmpihost: cm: method Twice of class Cli_Widget has no input parameter Doubled (its input "
+       "parameters: N, Label, Peer)\n"},
+      {"argument given twice",
+       {"cm", kWidget, "Twice", "N=1", "n=2"},
+       "cmpihost: cm: argument N is given twice\n"},
+      {"argument without a value",
+       {"cm", kWidget, "Twice", "N"},
+       "cmpihost: cm: argument \"N\" is not NAME=VALUE (usage: cmpihost cm PATH METHOD "
+       "[NAME=VALUE ...])\n"},
+      {"argument of the wrong type",
+       {"cm", kWidget, "Twice", "N=many"},
+       "cmpihost: cm: argument N: 'many' ..."},
+      {"argument out of range",
+       {"cm", kWidget, "Twice", "N=-1"},
+       "cmpihost: cm: argument N: '-1' ..."},
+      {"reference argument that is no path",
+       {"cm", kWidget, "Twice", "Peer=Cli_Widget.Name=\"w2"},
+       "cmpihost: cm: argument Peer: ..."},
+  };
+  for (const BadInput& c : cases) {
+    BadInput withProvider = c;
+    withProvider.args = WithProvider(c.args);
+    ExpectRefused(withProvider);
+  }
+}
+
+TEST(BadInputTest, FilesThatDoNotLoad) {
+  ScratchDir scratch;
+  const std::string badMof =
+      scratch.write("bad.mof", "class Ok { };\nclass Bad { string Name };\n");
+  const std::string missingLibrary = scratch.write("missing.reg",
+                                                   "[Cli_Widget]\n"
+                                                   "   provider: Gone\n"
+                                                   "   location: gone\n"
+                                                   "   type: instance\n");
+  const std::string noFactory = scratch.write("nofactory.reg",
+                                              "[Cli_Widget]\n"
+                                              "   provider: NoFactory\n"
+                                              "   location: clinofactory\n"
+                                              "   type: instance\n");
+  const std::string broken = scratch.write("broken.reg",
+                                           "[Cli_Widget]\n"
+                                           "   provider CliTest\n");
+  const BadInput cases[] = {
+      {"MOF error", {"--mof", badMof, "ecn"}, "cmpihost: " + badMof + ":2:25: ..."},
+      {"missing MOF file",
+       {"--mof", scratch.path() + "/none.mof", "ecn"},
+       "cmpihost: " + scratch.path() + "/none.mof:0:0: ..."},
+      {"missing provider library",
+       WithMof({"--lib-dir", ProviderDir(), "--providers", missingLibrary, "ecn"}),
+       "cmpihost: " + missingLibrary + ":1: libgone.so of provider Gone is not in " +
+           ProviderDir() + ", " + scratch.path() + "\n"},
+      {"missing factory symbol",
+       WithMof({"--lib-dir", ProviderDir(), "--providers", noFactory, "ecn"}),
+       "cmpihost: provider NoFactory, Instance MI: library " + ProviderDir() +
+           "/libclinofactory.so exports neither _Generic_Create_InstanceMI nor "
+           "NoFactory_Create_InstanceMI\n"},
+      {"broken registration file", WithMof({"--providers", broken, "ecn"}),
+       "cmpihost: " + broken + ":2: ..."},
+      {"missing registration file", WithMof({"--providers", scratch.path() + "/none.reg", "ecn"}),
+       "cmpihost: " + scratch.path() + "/none.reg:0: cannot open the registration file\n"},
+  };
+  for (const BadInput& c : cases) {
+    ExpectRefused(c);
+  }
+}
+
+}  // namespace
+}  // namespace cmpihost::testing

@@ -1,0 +1,46 @@
+// Runs the built cmpihost binary as a child process, the way a user or a
+// script runs it, and captures its exit code and both output streams.
+#ifndef TESTS_CLI_RUNCOMMAND_H_
+#define TESTS_CLI_RUNCOMMAND_H_
+
+#include <string>
+#include <vector>
+
+namespace cmpihost::testing {
+
+struct CommandResult {
+  int exitCode = -1;  // 128 + signal number when the process was killed
+  std::string out;
+  std::string err;
+};
+
+// Runs cmpihost with `args`; standard input is a file holding `input`, so it
+// is never a terminal.
+CommandResult RunCmpihost(const std::vector<std::string>& args, const std::string& input = "");
+
+// A fresh folder, removed with its contents when the object goes.
+class ScratchDir {
+ public:
+  ScratchDir();
+  ~ScratchDir();
+  ScratchDir(const ScratchDir&) = delete;
+  ScratchDir& operator=(const ScratchDir&) = delete;
+
+  const std::string& path() const { return path_; }
+  // Writes `text` to the file `name` in the folder and returns its full path.
+  std::string write(const std::string& name, const std::string& text) const;
+
+ private:
+  std::string path_;
+};
+
+// The test data folder, the provider library folder and the common options
+// that load the test MOF (and, with `providers`, the test provider).
+std::string DataFile(const std::string& name);
+std::string ProviderDir();
+std::vector<std::string> WithMof(std::vector<std::string> args);
+std::vector<std::string> WithProvider(std::vector<std::string> args);
+
+}  // namespace cmpihost::testing
+
+#endif  // TESTS_CLI_RUNCOMMAND_H_

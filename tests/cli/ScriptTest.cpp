@@ -1,0 +1,143 @@
+// Script mode: one process runs every line, with echo, comments, continued
+// lines and directives; a failed request lets the script go on (exit 1), a
+// bad line stops it (exit 2) naming the script and the line.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "RunCommand.h"
+
+namespace cmpihost::testing {
+namespace {
+
+TEST(ScriptTest, DemoScriptRunsEveryLineWithProgress) {
+  const CommandResult result =
+      RunCmpihost(WithProvider({"--progress", "run", DataFile("demo.cmpihost")}));
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(result.out,
+            "== Shelves ==\n"
+            "root/cimv2:Cli_Shelf.Id=\"s1\"\n"
+            "root/cimv2:Cli_Shelf.Id=\"s2\"\n"
+            "== Widgets ==\n"
+            "// root/cimv2:Cli_Widget.Name=\"w1\"\n"
+            "instance of Cli_Widget {\n"
+            "    Name = \"w1\";\n"
+            "    Count = 1;\n"
+            "    Enabled = TRUE;\n"
+            "    Tags = {\"a\", \"b \\\"quoted\\\"\"};\n"
+            "};\n"
+            "\n"
+            "// root/cimv2:Cli_Widget.Name=\"w2\"\n"
+            "instance of Cli_Widget {\n"
+            "    Name = \"w2\";\n"
+            "    Count = 3;\n"
+            "    Enabled = NULL;\n"
+            "    Tags = NULL;\n"
+            "};\n"
+            "ReturnValue = 42\n"
+            "Doubled = \"abab\"\n"
+            "done:  all\n");
+  EXPECT_EQ(result.err,
+            "[1/6] echo == Shelves ==\n"
+            "[2/6] ein Cli_Shelf\n"
+            "[3/6] echo == Widgets ==   # a comment after the words\n"
+            "[4/6] ei Cli_Widget\n"
+            "[5/6] cm 'Cli_Widget.Name=\"w1\"' Twice    N=21 Label=ab\n"
+            "[6/6] echo 'done:  all'\n");
+}
+
+TEST(ScriptTest, AFailedRequestIsReportedAndTheScriptGoesOn) {
+  ScratchDir scratch;
+  const std::string script = scratch.write("fail.cmpihost",
+                                           "# first line is a comment\n"
+                                           "gi 'Cli_Widget.Name=\"w9\"'\n"
+                                           "echo after\n");
+  const CommandResult result = RunCmpihost(WithProvider({"--trace", "run", script}));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.out, "after\n");
+  EXPECT_EQ(result.err, "[4 clitest] +++ GetInstance\ncmpihost: " + script +
+                            ":2: GetInstance failed: CMPI_RC_ERR_FAILED (1): Could not find or "
+                            "construct instance\n");
+}
+
+TEST(ScriptTest, ABadLineStopsTheScriptNamingFileAndLine) {
+  ScratchDir scratch;
+  const struct {
+    std::string text;
+    std::string err;
+  } cases[] = {
+      {"echo before\n\neii Cli_Shelf\necho never\n",
+       ":3: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, help; "
+       "see cmpihost --help)\n"},
+      {"echo before\ngi 'Cli_Shelf.Id=\"s1\"\n", ":2: column 4: unterminated single quote\n"},
+      {"echo before\nei Nope\n", ":2: ei: unknown class Nope in namespace root/cimv2\n"},
+      {"echo before\nrun other.cmpihost\n",
+       ":2: run: scripts do not nest; put the lines in this script instead\n"},
+      {"echo before\nmof\n", ":2: mof: missing FILE (usage: mof FILE)\n"},
+      {"echo before\nnamespace root/none\necn\n",
+       ":3: ecn: namespace root/none holds no classes\n"},
+      {"echo before\nnamespace a b\n",
+       ":2: namespace: unexpected argument \"b\" (usage: namespace NS)\n"},
+  };
+  for (const auto& c : cases) {
+    const std::string script = scratch.write("bad.cmpihost", c.text);
+    const CommandResult result = RunCmpihost(WithMof({"run", script}));
+    EXPECT_EQ(result.exitCode, 2) << c.text;
+    EXPECT_EQ(result.out, "before\n") << c.text;
+    EXPECT_EQ(result.err, "cmpihost: " + script + c.err);
+  }
+}
+
+TEST(ScriptTest, DirectivesLoadRelativeToTheScriptAndSwitchNamespaces) {
+  ScratchDir scratch;
+  std::filesystem::create_directory(scratch.path() + "/mof");
+  std::filesystem::copy_file(DataFile("widgets.mof"), scratch.path() + "/mof/widgets.mof");
+  const std::string script = scratch.write("directives.cmpihost",
+                                           "mof mof/widgets.mof\n"
+                                           "lib-dir " +
+                                               ProviderDir() +
+                                               "\n"
+                                               "providers " +
+                                               DataFile("clitest.reg") +
+                                               "\n"
+                                               "ein Cli_Widget\n"
+                                               "namespace root/other\n"
+                                               "mof mof/widgets.mof\n"
+                                               "ein Cli_Shelf\n"
+                                               "ein root/cimv2:Cli_Shelf\n");
+  const CommandResult result = RunCmpihost({"run", script});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(result.out,
+            "root/cimv2:Cli_Widget.Name=\"w1\"\n"
+            "root/cimv2:Cli_Widget.Name=\"w2\"\n"
+            "root/other:Cli_Shelf.Id=\"s1\"\n"
+            "root/other:Cli_Shelf.Id=\"s2\"\n"
+            "root/cimv2:Cli_Shelf.Id=\"s1\"\n"
+            "root/cimv2:Cli_Shelf.Id=\"s2\"\n");
+}
+
+TEST(ScriptTest, StandardInputRunsWithDashOrWithoutAVerb) {
+  const std::string input = "echo hi\n  # comment\nein Cli_Shelf\n";
+  const std::string expected =
+      "hi\nroot/cimv2:Cli_Shelf.Id=\"s1\"\nroot/cimv2:Cli_Shelf.Id=\"s2\"\n";
+  for (const auto& args : {WithMof({"-"}), WithMof({})}) {
+    const CommandResult result = RunCmpihost(args, input);
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.out, expected);
+  }
+  const CommandResult json = RunCmpihost(WithMof({"--json"}), "echo a \"b\"\necn Cli_Shelf\n");
+  EXPECT_EQ(json.out, "{\"echo\":\"a b\"}\n[\"Cli_Shelf\"]\n");
+
+  const CommandResult bad = RunCmpihost(WithMof({"-"}), "echo hi\ngi Nope\necho never\n");
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(bad.out, "hi\n");
+  EXPECT_EQ(bad.err, "cmpihost: <stdin>:2: gi: unknown class Nope in namespace root/cimv2\n");
+
+  const CommandResult empty = RunCmpihost({}, "");
+  EXPECT_EQ(empty.exitCode, 0);
+  EXPECT_EQ(empty.out + empty.err, "");
+}
+
+}  // namespace
+}  // namespace cmpihost::testing

@@ -1,0 +1,246 @@
+/*
+ * The provider the command's tests load: instances of Cli_Widget (w1, w2),
+ * the methods Twice and Fail, and the association Cli_WidgetOnShelf from
+ * each widget to shelf s1. Every MI call logs "+++ <call>" (severity 4, id
+ * "clitest"); Twice also traces, so --trace has both kinds to print.
+ */
+#include <cmpidt.h>
+#include <cmpift.h>
+#include <cmpimacs.h>
+#include <string.h>
+
+static const CMPIBroker* broker;
+
+static void Log(const char* text) {
+  CMLogMessage(broker, 4, "clitest", text, NULL);
+}
+
+static CMPIObjectPath* WidgetPath(const CMPIObjectPath* ref, const char* name) {
+  CMPIObjectPath* path =
+      CMNewObjectPath(broker, CMGetCharPtr(CMGetNameSpace(ref, NULL)), "Cli_Widget", NULL);
+  CMAddKey(path, "Name", name, CMPI_chars);
+  return path;
+}
+
+static CMPIObjectPath* ShelfPath(const CMPIObjectPath* ref) {
+  CMPIObjectPath* path =
+      CMNewObjectPath(broker, CMGetCharPtr(CMGetNameSpace(ref, NULL)), "Cli_Shelf", NULL);
+  CMAddKey(path, "Id", "s1", CMPI_chars);
+  return path;
+}
+
+static CMPIInstance* Widget(const CMPIObjectPath* ref, const char* name) {
+  CMPIInstance* instance = CMNewInstance(broker, WidgetPath(ref, name), NULL);
+  CMSetProperty(instance, "Name", name, CMPI_chars);
+  if (strcmp(name, "w1") == 0) {
+    CMPIUint32 count = 1;
+    CMPIBoolean enabled = 1;
+    CMPIArray* tags = CMNewArray(broker, 2, CMPI_string, NULL);
+    CMSetArrayElementAt(tags, 0, "a", CMPI_chars);
+    CMSetArrayElementAt(tags, 1, "b \"quoted\"", CMPI_chars);
+    CMSetProperty(instance, "Count", &count, CMPI_uint32);
+    CMSetProperty(instance, "Enabled", &enabled, CMPI_boolean);
+    CMSetProperty(instance, "Tags", &tags, CMPI_stringA);
+  }
+  return instance;
+}
+
+static const char* KeyOf(const CMPIObjectPath* path, const char* key) {
+  CMPIStatus rc = {CMPI_RC_OK, NULL};
+  CMPIData data = CMGetKey(path, key, &rc);
+  if (rc.rc != CMPI_RC_OK || data.type != CMPI_string || data.value.string == NULL) {
+    return "";
+  }
+  return CMGetCharPtr(data.value.string);
+}
+
+/* ---- instance MI ---- */
+
+static CMPIStatus CliTestCleanup(CMPIInstanceMI* mi, const CMPIContext* ctx, CMPIBoolean end) {
+  (void)mi, (void)ctx, (void)end;
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestEnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* ctx,
+                                           const CMPIResult* rslt, const CMPIObjectPath* ref) {
+  (void)mi, (void)ctx;
+  Log("+++ EnumInstanceNames");
+  CMReturnObjectPath(rslt, WidgetPath(ref, "w1"));
+  CMReturnObjectPath(rslt, WidgetPath(ref, "w2"));
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestEnumInstances(CMPIInstanceMI* mi, const CMPIContext* ctx,
+                                       const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                       const char** properties) {
+  (void)mi, (void)ctx, (void)properties;
+  Log("+++ EnumInstances");
+  CMReturnInstance(rslt, Widget(ref, "w1"));
+  CMReturnInstance(rslt, Widget(ref, "w2"));
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestGetInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
+                                     const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                     const char** properties) {
+  (void)mi, (void)ctx, (void)properties;
+  Log("+++ GetInstance");
+  const char* name = KeyOf(ref, "Name");
+  if (strcmp(name, "w1") != 0 && strcmp(name, "w2") != 0) {
+    CMReturnWithChars(broker, CMPI_RC_ERR_FAILED, "Could not find or construct instance");
+  }
+  CMReturnInstance(rslt, Widget(ref, name));
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestCreateInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
+                                        const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                        const CMPIInstance* inst) {
+  (void)mi, (void)ctx, (void)rslt, (void)ref, (void)inst;
+  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
+}
+
+static CMPIStatus CliTestModifyInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
+                                        const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                        const CMPIInstance* inst, const char** properties) {
+  (void)mi, (void)ctx, (void)rslt, (void)ref, (void)inst, (void)properties;
+  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
+}
+
+static CMPIStatus CliTestDeleteInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
+                                        const CMPIResult* rslt, const CMPIObjectPath* ref) {
+  (void)mi, (void)ctx, (void)rslt, (void)ref;
+  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
+}
+
+static CMPIStatus CliTestExecQuery(CMPIInstanceMI* mi, const CMPIContext* ctx,
+                                   const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                   const char* query, const char* lang) {
+  (void)mi, (void)ctx, (void)rslt, (void)ref, (void)query, (void)lang;
+  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
+}
+
+/* ---- method MI ---- */
+
+static CMPIStatus CliTestMethodCleanup(CMPIMethodMI* mi, const CMPIContext* ctx, CMPIBoolean end) {
+  (void)mi, (void)ctx, (void)end;
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus Twice(const CMPIResult* rslt, const CMPIArgs* in, CMPIArgs* out) {
+  CMTraceMessage(broker, 2, "clitest", "Twice called", NULL);
+  CMPIData n = CMGetArg(in, "N", NULL);
+  CMPIData label = CMGetArg(in, "Label", NULL);
+  CMPIData peer = CMGetArg(in, "Peer", NULL);
+  CMPIUint32 result = (n.state & CMPI_nullValue) ? 0 : 2 * n.value.uint32;
+  char doubled[256] = "";
+  if (!(label.state & CMPI_nullValue) && label.value.string != NULL) {
+    const char* text = CMGetCharPtr(label.value.string);
+    if (strlen(text) < sizeof doubled / 2) {
+      strcpy(doubled, text);
+      strcat(doubled, text);
+    }
+  }
+  CMAddArg(out, "Doubled", doubled, CMPI_chars);
+  if (!(peer.state & CMPI_nullValue) && peer.value.ref != NULL) {
+    CMAddArg(out, "PeerName", KeyOf(peer.value.ref, "Name"), CMPI_chars);
+  }
+  CMReturnData(rslt, &result, CMPI_uint32);
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestInvokeMethod(CMPIMethodMI* mi, const CMPIContext* ctx,
+                                      const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                      const char* method, const CMPIArgs* in, CMPIArgs* out) {
+  (void)mi, (void)ctx, (void)ref;
+  Log("+++ InvokeMethod");
+  if (strcmp(method, "Twice") == 0) {
+    return Twice(rslt, in, out);
+  }
+  CMReturnWithChars(broker, CMPI_RC_ERR_FAILED, "the widget refused");
+}
+
+/* ---- association MI: every widget is on shelf s1 ---- */
+
+static CMPIStatus CliTestAssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* ctx,
+                                            CMPIBoolean end) {
+  (void)mi, (void)ctx, (void)end;
+  CMReturn(CMPI_RC_OK);
+}
+
+static int WantsShelf(const CMPIObjectPath* ref, const char* resultClass) {
+  return resultClass == NULL || CMClassPathIsA(broker, ShelfPath(ref), resultClass, NULL);
+}
+
+static CMPIInstance* Link(const CMPIObjectPath* ref) {
+  CMPIObjectPath* path =
+      CMNewObjectPath(broker, CMGetCharPtr(CMGetNameSpace(ref, NULL)), "Cli_WidgetOnShelf", NULL);
+  CMPIInstance* link = CMNewInstance(broker, path, NULL);
+  CMPIObjectPath* shelf = ShelfPath(ref);
+  CMSetProperty(link, "Widget", &ref, CMPI_ref);
+  CMSetProperty(link, "Shelf", &shelf, CMPI_ref);
+  return link;
+}
+
+static CMPIStatus CliTestAssociators(CMPIAssociationMI* mi, const CMPIContext* ctx,
+                                     const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                     const char* assocClass, const char* resultClass,
+                                     const char* role, const char* resultRole,
+                                     const char** properties) {
+  (void)mi, (void)ctx, (void)assocClass, (void)role, (void)resultRole, (void)properties;
+  Log("+++ Associators");
+  if (WantsShelf(ref, resultClass)) {
+    CMPIInstance* shelf = CMNewInstance(broker, ShelfPath(ref), NULL);
+    CMSetProperty(shelf, "Id", "s1", CMPI_chars);
+    CMReturnInstance(rslt, shelf);
+  }
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
+                                         const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                         const char* assocClass, const char* resultClass,
+                                         const char* role, const char* resultRole) {
+  (void)mi, (void)ctx, (void)assocClass, (void)role, (void)resultRole;
+  Log("+++ AssociatorNames");
+  if (WantsShelf(ref, resultClass)) {
+    CMReturnObjectPath(rslt, ShelfPath(ref));
+  }
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestReferences(CMPIAssociationMI* mi, const CMPIContext* ctx,
+                                    const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                    const char* resultClass, const char* role,
+                                    const char** properties) {
+  (void)mi, (void)ctx, (void)resultClass, (void)properties;
+  Log("+++ References");
+  if (role == NULL || strcmp(role, "Widget") == 0) {
+    CMReturnInstance(rslt, Link(ref));
+  }
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+static CMPIStatus CliTestReferenceNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
+                                        const CMPIResult* rslt, const CMPIObjectPath* ref,
+                                        const char* resultClass, const char* role) {
+  (void)mi, (void)ctx, (void)resultClass;
+  Log("+++ ReferenceNames");
+  if (role == NULL || strcmp(role, "Widget") == 0) {
+    CMPIObjectPath* path = CMGetObjectPath(Link(ref), NULL);
+    CMReturnObjectPath(rslt, path);
+  }
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
+}
+
+CMInstanceMIStub(CliTest, CliTest, broker, CMNoHook)
+    CMMethodMIStub(CliTest, CliTest, broker, CMNoHook)
+        CMAssociationMIStub(CliTest, CliTest, broker, CMNoHook)
