@@ -1,7 +1,8 @@
 // The CMPI management-interface functions of the library.
 //
 // A plug-in builds its CMPIInstanceMI, CMPIMethodMI and CMPIAssociationMI
-// function tables from small functions that pass the broker it was created with, followed by the
+// function tables (DIAGCORE_PROVIDER in DiagProvider.h does it) from
+// small functions that pass the broker it was created with, followed by the
 // MI call's own arguments, to these. The library defines no MI factory.
 //
 // Each function answers from the process-wide InstanceRegistry. No C++
