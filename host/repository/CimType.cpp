@@ -1,6 +1,6 @@
 #include "repository/CimType.h"
 
-#include <strings.h>
+#include "repository/NoCase.h"
 
 #include <array>
 #include <utility>
@@ -37,9 +37,9 @@ const char* CimTypeName(CimType type) {
   return "?";
 }
 
-std::optional<CimType> CimTypeFromName(const std::string& keyword) {
+std::optional<CimType> CimTypeFromName(std::string_view keyword) {
   for (const auto& [value, name] : kNames) {
-    if (value != CimType::kReference && strcasecmp(keyword.c_str(), name) == 0) {
+    if (value != CimType::kReference && NoCaseEqual(keyword, name)) {
       return value;
     }
   }

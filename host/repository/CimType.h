@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace cmpihost {
 
@@ -38,7 +39,7 @@ struct TypeDecl {
 const char* CimTypeName(CimType type);
 
 // The type a MOF data-type keyword names, compared case-insensitively.
-std::optional<CimType> CimTypeFromName(const std::string& keyword);
+std::optional<CimType> CimTypeFromName(std::string_view keyword);
 
 }  // namespace cmpihost
 

@@ -17,7 +17,9 @@ struct PropertyDecl {
   std::string name;  // declared spelling
   TypeDecl type;
   bool isKey = false;
-  MofValue defaultValue;  // kNull when the MOF gives none
+  // kNull when the MOF gives none; an override that gives none keeps the
+  // inherited default.
+  MofValue defaultValue;
   std::vector<Qualifier> qualifiers;
   std::string classOrigin;  // the class that first declared the property
 };
@@ -47,13 +49,16 @@ class ClassDecl {
   // The superclass's declared spelling, or "" for a root class.
   const std::string& superName() const { return superName_; }
 
-  // True when the class carries the Association / Abstract / Indication qualifier.
+  // True when the class carries the Association / Abstract / Indication
+  // qualifier with the value true (Association and Indication are inherited).
   bool isAssociation() const;
   bool isAbstract() const;
+  bool isIndication() const;
 
   // Every property, inherited ones first in their superclass order; an
-  // override keeps the inherited position and takes the subclass's
-  // type, default and qualifiers.
+  // override keeps the inherited position and takes the subclass's type,
+  // default (if it gives one) and qualifiers, plus the inherited qualifiers
+  // that propagate (flavor ToSubclass, the default) and it does not restate.
   const std::vector<PropertyDecl>& properties() const { return properties_; }
   // The property of that name (case-insensitive), or null.
   const PropertyDecl* findProperty(const std::string& name) const;
@@ -65,7 +70,9 @@ class ClassDecl {
   // The method of that name (case-insensitive), or null.
   const MethodDecl* findMethod(const std::string& name) const;
 
-  // The class's own qualifiers (not inherited).
+  // The class's own qualifiers, then those of its superclass that propagate
+  // (flavor ToSubclass, the default) and it does not restate; Restricted
+  // ones such as Abstract stay with the class that declares them.
   const std::vector<Qualifier>& qualifiers() const { return qualifiers_; }
   // The class qualifier of that name (case-insensitive), or null.
   const Qualifier* findQualifier(const std::string& name) const;
@@ -76,6 +83,8 @@ class ClassDecl {
   std::vector<Qualifier>& mutableQualifiers() { return qualifiers_; }
 
  private:
+  bool hasTrueQualifier(const char* name) const;
+
   std::string name_;
   std::string superName_;
   std::vector<Qualifier> qualifiers_;

@@ -1,6 +1,8 @@
 // The classes, qualifier declarations and static instances of every
 // namespace, as loaded from MOF. Loading is transactional per file; once
-// loaded, the repository is only read, from any number of threads.
+// loaded, the repository is only read, from any number of threads (it keeps
+// no caches). Loading must not overlap reading. Pointers it hands out stay
+// valid while the repository lives, later loads included.
 #ifndef CMPIHOST_REPOSITORY_CLASSREPOSITORY_H_
 #define CMPIHOST_REPOSITORY_CLASSREPOSITORY_H_
 
@@ -10,6 +12,7 @@
 #include <vector>
 
 #include "repository/ClassDecl.h"
+#include "repository/NoCase.h"
 #include "repository/QualifierDecl.h"
 #include "repository/StaticInstance.h"
 
@@ -44,14 +47,18 @@ class ClassRepository {
 
   // Adding. The MOF reader stages a whole file and then commits it, so a
   // failed file leaves the repository as it was.
+  // A qualifier of a name already declared replaces the earlier declaration.
   void addQualifier(const std::string& nameSpace, QualifierDecl decl);
+  // Throws std::invalid_argument, adding nothing, when the class exists
+  // already (any case) or its superclass does not.
   void addClass(const std::string& nameSpace, std::unique_ptr<ClassDecl> decl);
   void addStaticInstance(const std::string& nameSpace, StaticInstance instance);
 
  private:
   struct Namespace;
   Namespace* findNamespace(const std::string& nameSpace) const;
-  std::map<std::string, std::unique_ptr<Namespace>> namespaces_;  // key: lower-case
+  Namespace& namespaceFor(const std::string& nameSpace);
+  std::map<std::string, std::unique_ptr<Namespace>, NoCaseLess> namespaces_;
 };
 
 }  // namespace cmpihost

@@ -1,0 +1,20 @@
+// The broker's four function tables and the upcalls behind them.
+#ifndef CMPIHOST_BROKER_BROKER_H_
+#define CMPIHOST_BROKER_BROKER_H_
+
+#include <cmpidt.h>
+#include <cmpift.h>
+
+namespace cmpihost {
+
+extern const CMPIBrokerFT kBrokerFT;
+extern const CMPIBrokerEncFT kBrokerEncFT;
+extern const CMPIBrokerExtFT kBrokerExtFT;
+extern const CMPIBrokerMemFT kBrokerMemFT;
+
+// Points a broker at the tables, with `host` (a Host::Impl) as its handle.
+void InitBroker(CMPIBroker& broker, void* host);
+
+}  // namespace cmpihost
+
+#endif  // CMPIHOST_BROKER_BROKER_H_

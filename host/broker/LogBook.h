@@ -1,0 +1,37 @@
+// Where logMessage and trace calls go: a bounded record while capture is on,
+// a sink if one is set, and nowhere otherwise.
+#ifndef CMPIHOST_BROKER_LOGBOOK_H_
+#define CMPIHOST_BROKER_LOGBOOK_H_
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "cmpihost/LogRecord.h"
+
+namespace cmpihost {
+
+class LogBook {
+ public:
+  using Sink = std::function<void(const LogRecord&)>;
+
+  void capture(bool on, std::size_t bound);
+  void setSink(Sink sink);
+  void add(LogRecord record);
+  std::vector<LogRecord> records() const;
+  void clear();
+
+ private:
+  mutable std::mutex mutex_;
+  bool capturing_ = false;
+  std::size_t bound_ = 0;
+  std::deque<LogRecord> records_;
+  std::shared_ptr<const Sink> sink_;
+};
+
+}  // namespace cmpihost
+
+#endif  // CMPIHOST_BROKER_LOGBOOK_H_

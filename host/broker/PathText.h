@@ -1,0 +1,66 @@
+// Object path texts and value texts as a user of the host writes them:
+// `[//host/][namespace:]Class[.key=value,...]`, values quoted ("a \"b\"")
+// or bare (5, -3, 2.5, TRUE, FALSE); keys typed from the class declaration.
+#ifndef CMPIHOST_BROKER_PATHTEXT_H_
+#define CMPIHOST_BROKER_PATHTEXT_H_
+
+#include <cmpidt.h>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "broker/Values.h"
+#include "repository/MofValue.h"
+
+namespace cmpihost {
+
+// The class's shape, or null for an unknown class.
+using ShapeLookup = std::function<std::shared_ptr<const ClassShape>(const std::string& nameSpace,
+                                                                    const std::string& className)>;
+
+struct PathSyntax {
+  struct Key {
+    std::string name;
+    std::string text;  // escapes resolved
+    bool quoted = false;
+    std::size_t column = 0;  // 1-based, of the value
+  };
+  std::string host;
+  std::string nameSpace;  // "" when the text gives none
+  std::string className;
+  std::vector<Key> keys;
+};
+
+// Reads the syntax only. Throws HostError "path text '...': column N: problem".
+PathSyntax ParsePathSyntax(const std::string& text);
+
+// Types the keys by the class's declaration (Key properties only). For a
+// class the lookup does not know, types follow the literals: quoted ->
+// string, TRUE/FALSE -> boolean, integers -> sint64/uint64, reals -> real64.
+// Throws HostError naming the key and the problem.
+PathData TypePath(const PathSyntax& syntax, const std::string& text,
+                  const std::string& defaultNameSpace, const ShapeLookup& lookup);
+
+// Both steps.
+PathData ParsePath(const std::string& text, const std::string& defaultNameSpace,
+                   const ShapeLookup& lookup);
+
+// A value written as plain text (a method argument or a property given in
+// code): strings taken as they are, others read by type; arrays as
+// comma-separated elements, optionally in braces, elements optionally quoted.
+// Throws HostError naming the problem.
+HostValue ValueFromText(const std::string& text, CMPIType type,
+                        const std::string& defaultNameSpace, const ShapeLookup& lookup);
+
+// A MOF constant as a value of the declared type; nullopt when it does not fit.
+std::optional<HostValue> ValueFromMof(const MofValue& value, CMPIType type,
+                                      const std::string& defaultNameSpace,
+                                      const ShapeLookup& lookup);
+
+}  // namespace cmpihost
+
+#endif  // CMPIHOST_BROKER_PATHTEXT_H_

@@ -1,0 +1,387 @@
+#include "broker/Values.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+namespace cmpihost {
+
+HostValue HostValue::Null(CMPIType type) {
+  HostValue value;
+  value.type = type;
+  return value;
+}
+
+HostValue HostValue::String(std::string text) {
+  HostValue value;
+  value.type = CMPI_string;
+  value.null = false;
+  value.text = std::move(text);
+  return value;
+}
+
+HostValue HostValue::Boolean(bool flag) {
+  HostValue value;
+  value.type = CMPI_boolean;
+  value.null = false;
+  value.scalar.boolean = flag ? 1 : 0;
+  return value;
+}
+
+HostValue HostValue::Unsigned(CMPIType type, std::uint64_t number) {
+  HostValue value;
+  value.type = type;
+  value.null = false;
+  switch (type) {
+    case CMPI_uint8:
+      value.scalar.uint8 = static_cast<CMPIUint8>(number);
+      break;
+    case CMPI_uint16:
+      value.scalar.uint16 = static_cast<CMPIUint16>(number);
+      break;
+    case CMPI_char16:
+      value.scalar.char16 = static_cast<CMPIChar16>(number);
+      break;
+    case CMPI_uint32:
+      value.scalar.uint32 = static_cast<CMPIUint32>(number);
+      break;
+    default:
+      value.scalar.uint64 = number;
+  }
+  return value;
+}
+
+HostValue HostValue::Signed(CMPIType type, std::int64_t number) {
+  HostValue value;
+  value.type = type;
+  value.null = false;
+  switch (type) {
+    case CMPI_sint8:
+      value.scalar.sint8 = static_cast<CMPISint8>(number);
+      break;
+    case CMPI_sint16:
+      value.scalar.sint16 = static_cast<CMPISint16>(number);
+      break;
+    case CMPI_sint32:
+      value.scalar.sint32 = static_cast<CMPISint32>(number);
+      break;
+    default:
+      value.scalar.sint64 = number;
+  }
+  return value;
+}
+
+HostValue HostValue::Real(CMPIType type, double number) {
+  HostValue value;
+  value.type = type;
+  value.null = false;
+  if (type == CMPI_real32) {
+    value.scalar.real32 = static_cast<CMPIReal32>(number);
+  } else {
+    value.scalar.real64 = number;
+  }
+  return value;
+}
+
+HostValue HostValue::Date(DateTime dateTime) {
+  HostValue value;
+  value.type = CMPI_dateTime;
+  value.null = false;
+  value.dateTime = std::move(dateTime);
+  return value;
+}
+
+HostValue HostValue::Reference(PathData path) {
+  HostValue value;
+  value.type = CMPI_ref;
+  value.null = false;
+  value.path = std::make_shared<const PathData>(std::move(path));
+  return value;
+}
+
+bool EqualsIgnoreCase(const std::string& a, const std::string& b) {
+  return strcasecmp(a.c_str(), b.c_str()) == 0;
+}
+
+std::string LowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+const NamedValue* NamedValues::find(const std::string& name) const {
+  for (const NamedValue& item : items_) {
+    if (EqualsIgnoreCase(item.name, name)) {
+      return &item;
+    }
+  }
+  return nullptr;
+}
+
+void NamedValues::set(const std::string& name, HostValue value) {
+  for (NamedValue& item : items_) {
+    if (EqualsIgnoreCase(item.name, name)) {
+      item.value = std::move(value);
+      return;
+    }
+  }
+  items_.push_back(NamedValue{name, std::move(value)});
+}
+
+std::optional<std::size_t> ClassShape::find(const std::string& name) const {
+  for (std::size_t i = 0; i < properties.size(); ++i) {
+    if (EqualsIgnoreCase(properties[i].name, name)) {
+      return i;
+    }
+  }
+  return std::nullopt;
+}
+
+PathData InstanceData::objectPath() const {
+  PathData path;
+  path.host = host;
+  path.nameSpace = nameSpace;
+  path.className = shape->className;
+  for (std::size_t i = 0; i < shape->properties.size(); ++i) {
+    if (shape->properties[i].isKey && !values[i].null) {
+      path.keys.set(shape->properties[i].name, values[i]);
+    }
+  }
+  return path;
+}
+
+std::string CmpiTypeName(CMPIType type) {
+  static const std::pair<CMPIType, const char*> kNames[] = {
+      {CMPI_null, "null"},         {CMPI_boolean, "boolean"},   {CMPI_char16, "char16"},
+      {CMPI_real32, "real32"},     {CMPI_real64, "real64"},     {CMPI_uint8, "uint8"},
+      {CMPI_uint16, "uint16"},     {CMPI_uint32, "uint32"},     {CMPI_uint64, "uint64"},
+      {CMPI_sint8, "sint8"},       {CMPI_sint16, "sint16"},     {CMPI_sint32, "sint32"},
+      {CMPI_sint64, "sint64"},     {CMPI_instance, "instance"}, {CMPI_ref, "ref"},
+      {CMPI_args, "args"},         {CMPI_class, "class"},       {CMPI_filter, "filter"},
+      {CMPI_enumeration, "enumeration"}, {CMPI_string, "string"}, {CMPI_chars, "chars"},
+      {CMPI_dateTime, "datetime"}, {CMPI_ptr, "ptr"},           {CMPI_charsptr, "charsptr"},
+  };
+  const auto base = static_cast<CMPIType>(type & ~CMPI_ARRAY);
+  std::string name = "type " + std::to_string(base);
+  for (const auto& [code, text] : kNames) {
+    if (code == base) {
+      name = text;
+      break;
+    }
+  }
+  return (type & CMPI_ARRAY) != 0 ? name + "[]" : name;
+}
+
+CMPIType NormalizedType(CMPIType type) {
+  const auto base = static_cast<CMPIType>(type & ~CMPI_ARRAY);
+  const CMPIType normalizedBase = base == CMPI_chars ? CMPI_string : base;
+  return static_cast<CMPIType>(normalizedBase | (type & CMPI_ARRAY));
+}
+
+std::string RealText(double value, bool single) {
+  char text[64];
+  for (int precision = single ? 6 : 15; precision <= 17; ++precision) {
+    std::snprintf(text, sizeof text, "%.*g", precision, value);
+    const double back = std::strtod(text, nullptr);
+    if (single ? static_cast<float>(back) == static_cast<float>(value) : back == value) {
+      break;
+    }
+  }
+  return text;
+}
+
+namespace {
+
+std::string Quoted(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') {
+      out += '\\';
+    }
+    out += c;
+  }
+  return out + "\"";
+}
+
+std::uint64_t UnsignedOf(const HostValue& value) {
+  switch (value.type & ~CMPI_ARRAY) {
+    case CMPI_uint8:
+      return value.scalar.uint8;
+    case CMPI_uint16:
+      return value.scalar.uint16;
+    case CMPI_char16:
+      return value.scalar.char16;
+    case CMPI_uint32:
+      return value.scalar.uint32;
+    default:
+      return value.scalar.uint64;
+  }
+}
+
+std::int64_t SignedOf(const HostValue& value) {
+  switch (value.type & ~CMPI_ARRAY) {
+    case CMPI_sint8:
+      return value.scalar.sint8;
+    case CMPI_sint16:
+      return value.scalar.sint16;
+    case CMPI_sint32:
+      return value.scalar.sint32;
+    default:
+      return value.scalar.sint64;
+  }
+}
+
+bool IsUnsigned(CMPIType type) {
+  return type == CMPI_uint8 || type == CMPI_uint16 || type == CMPI_uint32 || type == CMPI_uint64;
+}
+
+bool IsSigned(CMPIType type) {
+  return type == CMPI_sint8 || type == CMPI_sint16 || type == CMPI_sint32 || type == CMPI_sint64;
+}
+
+}  // namespace
+
+std::string KeyValueText(const HostValue& value) {
+  if (value.null) {
+    return "NULL";
+  }
+  const CMPIType type = value.type;
+  if (IsUnsigned(type)) {
+    return std::to_string(UnsignedOf(value));
+  }
+  if (IsSigned(type)) {
+    return std::to_string(SignedOf(value));
+  }
+  switch (type) {
+    case CMPI_boolean:
+      return value.scalar.boolean ? "TRUE" : "FALSE";
+    case CMPI_real32:
+      return RealText(value.scalar.real32, true);
+    case CMPI_real64:
+      return RealText(value.scalar.real64, false);
+    case CMPI_char16:
+      return Quoted(std::string(1, static_cast<char>(value.scalar.char16)));
+    case CMPI_dateTime:
+      return Quoted(value.dateTime.text);
+    case CMPI_ref:
+      return Quoted(value.path ? PathToString(*value.path) : std::string());
+    case CMPI_instance:
+      return Quoted(value.instance ? PathToString(value.instance->objectPath()) : std::string());
+    default:
+      return Quoted(value.text);
+  }
+}
+
+std::string PathToString(const PathData& path) {
+  std::string out;
+  if (!path.host.empty()) {
+    out += "//" + path.host + "/";
+  }
+  if (!path.nameSpace.empty()) {
+    out += path.nameSpace + ":";
+  }
+  out += path.className;
+  std::vector<const NamedValue*> keys;
+  for (const NamedValue& key : path.keys.items()) {
+    keys.push_back(&key);
+  }
+  std::stable_sort(keys.begin(), keys.end(), [](const NamedValue* a, const NamedValue* b) {
+    return strcasecmp(a->name.c_str(), b->name.c_str()) < 0;
+  });
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    out += i == 0 ? "." : ",";
+    out += keys[i]->name + "=" + KeyValueText(keys[i]->value);
+  }
+  return out;
+}
+
+bool SameValue(const HostValue& a, const HostValue& b) {
+  const auto baseA = static_cast<CMPIType>(a.type & ~CMPI_ARRAY);
+  const auto baseB = static_cast<CMPIType>(b.type & ~CMPI_ARRAY);
+  const bool stringA = baseA == CMPI_string || baseA == CMPI_chars;
+  const bool stringB = baseB == CMPI_string || baseB == CMPI_chars;
+  if (a.null != b.null || (a.type != b.type && !(stringA && stringB))) {
+    return false;
+  }
+  if (a.null) {
+    return true;
+  }
+  if ((a.type & CMPI_ARRAY) != 0) {
+    return std::equal(a.elements.begin(), a.elements.end(), b.elements.begin(), b.elements.end(),
+                      SameValue);
+  }
+  if (a.type == CMPI_ref || a.type == CMPI_instance) {
+    // Paths are the same when their printed forms are; keys print sorted.
+    return KeyValueText(a) == KeyValueText(b);
+  }
+  if (a.type == CMPI_dateTime) {
+    return a.dateTime.interval == b.dateTime.interval && a.dateTime.binary == b.dateTime.binary;
+  }
+  return KeyValueText(a) == KeyValueText(b);
+}
+
+Value ToPublicValue(const HostValue& value) {
+  Value out;
+  out.type = value.type;
+  out.state = value.null ? CMPI_nullValue : CMPI_goodValue;
+  if (value.null) {
+    return out;
+  }
+  if ((value.type & CMPI_ARRAY) != 0) {
+    for (const HostValue& element : value.elements) {
+      out.elements.push_back(ToPublicValue(element));
+    }
+    return out;
+  }
+  const CMPIType type = value.type;
+  if (IsUnsigned(type) || type == CMPI_char16) {
+    out.uint = UnsignedOf(value);
+  } else if (IsSigned(type)) {
+    out.sint = SignedOf(value);
+  }
+  switch (type) {
+    case CMPI_boolean:
+      out.boolean = value.scalar.boolean != 0;
+      break;
+    case CMPI_real32:
+      out.real = value.scalar.real32;
+      break;
+    case CMPI_real64:
+      out.real = value.scalar.real64;
+      break;
+    case CMPI_dateTime:
+      out.text = value.dateTime.text;
+      break;
+    case CMPI_ref:
+      out.text = value.path ? PathToString(*value.path) : std::string();
+      break;
+    case CMPI_instance:
+      out.text = value.instance ? PathToString(value.instance->objectPath()) : std::string();
+      break;
+    case CMPI_string:
+    case CMPI_chars:
+      out.text = value.text;
+      break;
+    default:
+      break;
+  }
+  return out;
+}
+
+InstanceSnapshot ToSnapshot(const InstanceData& instance) {
+  InstanceSnapshot snapshot;
+  snapshot.className = instance.shape->className;
+  snapshot.nameSpace = instance.nameSpace;
+  snapshot.path = PathToString(instance.objectPath());
+  for (std::size_t i = 0; i < instance.shape->properties.size(); ++i) {
+    snapshot.properties.push_back(
+        Property{instance.shape->properties[i].name, ToPublicValue(instance.values[i])});
+  }
+  return snapshot;
+}
+
+}  // namespace cmpihost

@@ -1,0 +1,123 @@
+// The host's own copies of CMPI data. Every CMPI object keeps its content in
+// these plain values, and every value handed across the CMPI boundary is
+// copied in or out, so no object ever points into another one (a scope can
+// free any object without leaving dangling pointers behind).
+#ifndef CMPIHOST_BROKER_VALUES_H_
+#define CMPIHOST_BROKER_VALUES_H_
+
+#include <cmpidt.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "broker/DateTime.h"
+#include "cmpihost/InstanceSnapshot.h"
+#include "cmpihost/Value.h"
+
+namespace cmpihost {
+
+struct PathData;
+struct InstanceData;
+
+struct HostValue {
+  CMPIType type = CMPI_null;
+  bool null = true;
+  CMPIValue scalar{};  // booleans, char16, integers, reals
+  std::string text;    // CMPI_string and CMPI_chars
+  DateTime dateTime;
+  std::shared_ptr<const PathData> path;          // CMPI_ref
+  std::shared_ptr<const InstanceData> instance;  // CMPI_instance
+  std::vector<HostValue> elements;               // arrays
+
+  static HostValue Null(CMPIType type);
+  static HostValue String(std::string text);
+  static HostValue Boolean(bool value);
+  static HostValue Unsigned(CMPIType type, std::uint64_t value);
+  static HostValue Signed(CMPIType type, std::int64_t value);
+  static HostValue Real(CMPIType type, double value);
+  static HostValue Date(DateTime value);
+  static HostValue Reference(PathData path);
+};
+
+struct NamedValue {
+  std::string name;
+  HostValue value;
+};
+
+// The ordered name/value list behind args, contexts and path keys.
+// Names compare case-insensitively and keep the spelling first given.
+class NamedValues {
+ public:
+  const NamedValue* find(const std::string& name) const;
+  // Replaces the value of an existing name, or appends.
+  void set(const std::string& name, HostValue value);
+  const std::vector<NamedValue>& items() const { return items_; }
+  std::size_t size() const { return items_.size(); }
+
+ private:
+  std::vector<NamedValue> items_;
+};
+
+struct PathData {
+  std::string host;
+  std::string nameSpace;
+  std::string className;
+  NamedValues keys;
+};
+
+// The declared shape of a class, taken once from the repository and shared
+// by every instance of it, so instances outlive the Host that made them.
+struct PropertyShape {
+  std::string name;  // declared spelling
+  CMPIType type = CMPI_null;
+  bool isKey = false;
+  HostValue initial;  // the MOF default, or null
+};
+
+struct ClassShape {
+  std::string className;  // declared spelling
+  std::vector<PropertyShape> properties;
+  // Index of the property (case-insensitive), or nullopt.
+  std::optional<std::size_t> find(const std::string& name) const;
+};
+
+struct InstanceData {
+  std::shared_ptr<const ClassShape> shape;
+  std::string host;       // of the path the instance was created with
+  std::string nameSpace;  // of the path the instance was created with
+  std::vector<HostValue> values;  // parallel to shape->properties
+  // setPropertyFilter: when set, only these names (and keys) may be set.
+  std::optional<std::vector<std::string>> filter;
+
+  // Host and namespace of the creation path; keys from the Key properties.
+  PathData objectPath() const;
+};
+
+bool EqualsIgnoreCase(const std::string& a, const std::string& b);
+// A stable lower-case form for map keys.
+std::string LowerCase(std::string text);
+
+// `//host/namespace:Class.k1="v",k2=5`: host and namespace only when set,
+// keys sorted by name case-insensitively.
+std::string PathToString(const PathData& path);
+// One key value as toString prints it.
+std::string KeyValueText(const HostValue& value);
+// Whether two values are the same CIM value (types and contents).
+bool SameValue(const HostValue& a, const HostValue& b);
+// Shortest decimal text that reads back as the same real.
+std::string RealText(double value, bool single);
+
+// "uint16", "string[]", "ref", ...: for messages.
+std::string CmpiTypeName(CMPIType type);
+// CMPI_chars (and its array) read as CMPI_string: what the host stores.
+CMPIType NormalizedType(CMPIType type);
+
+// Copies into the public, plain C++ form.
+Value ToPublicValue(const HostValue& value);
+InstanceSnapshot ToSnapshot(const InstanceData& instance);
+
+}  // namespace cmpihost
+
+#endif  // CMPIHOST_BROKER_VALUES_H_

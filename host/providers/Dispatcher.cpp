@@ -1,0 +1,704 @@
+#include "providers/Dispatcher.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <exception>
+
+#include "broker/PathText.h"
+#include "repository/StaticInstance.h"
+
+namespace cmpihost {
+namespace {
+
+Status Failure(CMPIrc rc, std::string message) {
+  Status status;
+  status.rc = rc;
+  status.hasMessage = true;
+  status.message = std::move(message);
+  return status;
+}
+
+Status CopyStatus(const CMPIStatus& status) {
+  Status out;
+  out.rc = status.rc;
+  if (status.msg != nullptr) {
+    out.hasMessage = true;
+    const StringObject* message = AsString(status.msg);
+    out.message = message != nullptr ? message->chars : "(the message is not a string of cmpihost)";
+  }
+  return out;
+}
+
+// A property list as MI functions take it: null, or names ending in null.
+class PropertyArray {
+ public:
+  explicit PropertyArray(const std::vector<std::string>* names) : given_(names != nullptr) {
+    if (names != nullptr) {
+      for (const std::string& name : *names) {
+        pointers_.push_back(name.c_str());
+      }
+      pointers_.push_back(nullptr);
+    }
+  }
+  const char** get() { return given_ ? pointers_.data() : nullptr; }
+
+ private:
+  bool given_;
+  std::vector<const char*> pointers_;
+};
+
+const char* OrNull(const std::optional<std::string>& text) {
+  return text ? text->c_str() : nullptr;
+}
+
+ShapeLookup LookupOf(Host::Impl& host) {
+  return [&host](const std::string& nameSpace, const std::string& className) {
+    return host.shapeOf(nameSpace, className);
+  };
+}
+
+// --- creating MIs ---
+
+template <typename MI>
+using NamedFactory = MI* (*)(const CMPIBroker*, const CMPIContext*, CMPIStatus*);
+template <typename MI>
+using GenericFactory = MI* (*)(const CMPIBroker*, const CMPIContext*, const char*, CMPIStatus*);
+
+template <typename MI>
+void* CallLibraryFactory(void* symbol, bool generic, const CMPIBroker* broker,
+                         const CMPIContext* context, const char* name, CMPIStatus* status) {
+  MI* mi = generic ? reinterpret_cast<GenericFactory<MI>>(symbol)(broker, context, name, status)
+                   : reinterpret_cast<NamedFactory<MI>>(symbol)(broker, context, status);
+  return (mi != nullptr && mi->ft == nullptr) ? nullptr : mi;
+}
+
+void* CallLibrary(MiKind kind, void* symbol, bool generic, const CMPIBroker* broker,
+                  const CMPIContext* context, const char* name, CMPIStatus* status) {
+  switch (kind) {
+    case MiKind::kInstance:
+      return CallLibraryFactory<CMPIInstanceMI>(symbol, generic, broker, context, name, status);
+    case MiKind::kMethod:
+      return CallLibraryFactory<CMPIMethodMI>(symbol, generic, broker, context, name, status);
+    case MiKind::kAssociation:
+      return CallLibraryFactory<CMPIAssociationMI>(symbol, generic, broker, context, name, status);
+  }
+  return nullptr;
+}
+
+template <typename MI>
+void* CallInProcess(NamedFactory<MI> factory, const CMPIBroker* broker, const CMPIContext* context,
+                    CMPIStatus* status) {
+  MI* mi = factory(broker, context, status);
+  return (mi != nullptr && mi->ft == nullptr) ? nullptr : mi;
+}
+
+void* CallFactory(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
+  Scope scope;
+  const ContextObject* context =
+      CreateInScope<ContextObject>(nullptr, host.contextEntries(provider.nameSpace));
+  CMPIStatus status;
+  status.rc = CMPI_RC_OK;
+  status.msg = nullptr;
+  void* mi = nullptr;
+  std::string factory;
+  const std::string kindName = MiKindName(kind);
+  try {
+    if (provider.library != nullptr) {
+      const std::string generic = "_Generic_Create_" + kindName + "MI";
+      const std::string named = provider.name + "_Create_" + kindName + "MI";
+      if (void* symbol = dlsym(provider.library, generic.c_str())) {
+        factory = generic;
+        mi = CallLibrary(kind, symbol, true, &host.broker, context, provider.name.c_str(), &status);
+      } else if (void* namedSymbol = dlsym(provider.library, named.c_str())) {
+        factory = named;
+        mi = CallLibrary(kind, namedSymbol, false, &host.broker, context, provider.name.c_str(),
+                         &status);
+      } else {
+        refusal = "library " + provider.libraryPath + " exports neither " + generic + " nor " + named;
+        return nullptr;
+      }
+    } else {
+      factory = "the in-process " + kindName + " MI factory";
+      const MiFactories& factories = provider.factories;
+      if (kind == MiKind::kInstance && factories.instance != nullptr) {
+        mi = CallInProcess(factories.instance, &host.broker, context, &status);
+      } else if (kind == MiKind::kMethod && factories.method != nullptr) {
+        mi = CallInProcess(factories.method, &host.broker, context, &status);
+      } else if (kind == MiKind::kAssociation && factories.association != nullptr) {
+        mi = CallInProcess(factories.association, &host.broker, context, &status);
+      } else {
+        refusal = "it was registered without " + kindName + " MI factory";
+        return nullptr;
+      }
+    }
+  } catch (const std::exception& error) {
+    refusal = factory + " threw: " + error.what();
+    return nullptr;
+  } catch (...) {
+    refusal = factory + " threw";
+    return nullptr;
+  }
+  if (status.rc != CMPI_RC_OK) {
+    const Status copied = CopyStatus(status);
+    refusal = factory + " answered rc " + std::to_string(status.rc) +
+              (copied.hasMessage ? " (" + copied.message + ")" : std::string());
+    return nullptr;
+  }
+  if (mi == nullptr) {
+    refusal = factory + " returned no MI (or one without a function table)";
+  }
+  return mi;
+}
+
+template <typename MI>
+MI* MiFor(Host::Impl& host, ProviderEntry& provider, MiKind kind, Gathered& gathered) {
+  std::string refusal;
+  void* mi = ActivateMi(host, provider, kind, refusal);
+  if (mi == nullptr) {
+    gathered.status = Failure(CMPI_RC_ERR_FAILED, "provider " + provider.name + " has no " +
+                                                      MiKindName(kind) + " MI: " + refusal);
+  }
+  return static_cast<MI*>(mi);
+}
+
+// --- calling MIs ---
+
+CMPIStatus Missing(const ProviderEntry& provider, MiKind kind, const char* function) {
+  return MakeStatus(CMPI_RC_ERR_NOT_SUPPORTED, "provider " + provider.name + "'s " +
+                                                   MiKindName(kind) + " MI has no " + function +
+                                                   " function");
+}
+
+// Runs one MI call in a call scope of its own and copies out, before the
+// scope frees them, the status and everything delivered to the result.
+template <typename Call>
+void CallProvider(Host::Impl& host, const PathData& path, Gathered& gathered, Call&& call) {
+  Scope scope;
+  const ContextObject* context =
+      CreateInScope<ContextObject>(nullptr, host.contextEntries(path.nameSpace));
+  ResultObject* result = CreateInScope<ResultObject>(nullptr);
+  const ObjectPathObject* objectPath = CreateInScope<ObjectPathObject>(nullptr, path);
+  CMPIStatus status;
+  try {
+    status = call(context, result, objectPath);
+  } catch (const std::exception& error) {
+    status = MakeStatus(CMPI_RC_ERR_FAILED, std::string("the provider threw: ") + error.what());
+  } catch (...) {
+    status = MakeStatus(CMPI_RC_ERR_FAILED, "the provider threw");
+  }
+  ++gathered.providerCalls;
+  const Status copied = CopyStatus(status);
+  for (ResultRecord& record : result->records) {
+    gathered.records.push_back(std::move(record));
+  }
+  if (copied.rc != CMPI_RC_OK && gathered.status.rc == CMPI_RC_OK) {
+    gathered.status = copied;
+  }
+}
+
+// The path's class, or its nearest ancestor, that has a provider of the kind.
+ProviderEntry* NearestProvider(Host::Impl& host, const std::string& nameSpace,
+                               const std::string& className, MiKind kind) {
+  std::string current = className;
+  for (int depth = 0; !current.empty() && depth < 256; ++depth) {
+    const std::vector<ProviderEntry*> providers =
+        host.providers.forClass(nameSpace, current, kind);
+    if (!providers.empty()) {
+      return providers.front();
+    }
+    const ClassDecl* decl = host.repository.findClass(nameSpace, current);
+    current = decl == nullptr ? std::string() : decl->superName();
+  }
+  return nullptr;
+}
+
+Status NoProvider(MiKind kind, const PathData& path) {
+  return Failure(CMPI_RC_ERR_NOT_SUPPORTED, std::string("no ") + MiKindName(kind) +
+                                                " provider serves class " + path.className +
+                                                " or its superclasses");
+}
+
+Status UnknownClass(const std::string& nameSpace, const std::string& className) {
+  return Failure(CMPI_RC_ERR_INVALID_CLASS,
+                 "class " + className + " is not declared in namespace " + nameSpace);
+}
+
+bool SameKeys(const PathData& a, const PathData& b) {
+  if (a.keys.size() != b.keys.size()) {
+    return false;
+  }
+  for (const NamedValue& key : a.keys.items()) {
+    const NamedValue* other = b.keys.find(key.name);
+    if (other == nullptr || !SameValue(key.value, other->value)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+HostValue InstanceValue(InstanceData data) {
+  HostValue value;
+  value.type = CMPI_instance;
+  value.null = false;
+  value.instance = std::make_shared<const InstanceData>(std::move(data));
+  return value;
+}
+
+ResultRecord Record(ResultRecord::Kind kind, HostValue value) {
+  ResultRecord record;
+  record.kind = kind;
+  record.value = std::move(value);
+  return record;
+}
+
+// An instance-provider request routed by the path's class (get, create,
+// modify, delete).
+template <typename Call>
+Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& call) {
+  Gathered gathered;
+  if (host.repository.findClass(path.nameSpace, path.className) == nullptr) {
+    gathered.status = UnknownClass(path.nameSpace, path.className);
+    return gathered;
+  }
+  ProviderEntry* provider = NearestProvider(host, path.nameSpace, path.className, MiKind::kInstance);
+  if (provider == nullptr) {
+    gathered.status = NoProvider(MiKind::kInstance, path);
+    return gathered;
+  }
+  gathered.served = true;
+  auto* mi = MiFor<CMPIInstanceMI>(host, *provider, MiKind::kInstance, gathered);
+  if (mi != nullptr) {
+    CallProvider(host, path, gathered,
+                 [&](const CMPIContext* context, const CMPIResult* result,
+                     const CMPIObjectPath* objectPath) {
+                   return call(*provider, mi, context, result, objectPath);
+                 });
+  }
+  return gathered;
+}
+
+}  // namespace
+
+void* ActivateMi(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
+  ProviderEntry::Slot& slot = provider.slots[static_cast<std::size_t>(kind)];
+  if (!slot.settled.load(std::memory_order_acquire)) {
+    std::lock_guard<std::recursive_mutex> lock(host.providers.activationMutex());
+    if (!slot.settled.load(std::memory_order_acquire)) {
+      if (slot.creating) {
+        refusal = std::string("its ") + MiKindName(kind) +
+                  " MI factory is still running (it asked for its own MI)";
+        return nullptr;
+      }
+      slot.creating = true;
+      std::string why;
+      void* mi = CallFactory(host, provider, kind, why);
+      slot.creating = false;
+      slot.mi = mi;
+      slot.refusal = why;
+      slot.settled.store(true, std::memory_order_release);
+      if (mi != nullptr) {
+        host.providers.noteCreated(&provider, kind);
+      }
+    }
+  }
+  if (slot.mi == nullptr) {
+    refusal = slot.refusal;
+  }
+  return slot.mi;
+}
+
+std::vector<std::string> ActivateAll(Host::Impl& host) {
+  std::vector<std::string> refusals;
+  for (const auto& [provider, kind] : host.providers.allKinds()) {
+    std::string refusal;
+    if (ActivateMi(host, *provider, kind, refusal) == nullptr) {
+      refusals.push_back("provider " + provider->name + ", " + MiKindName(kind) + " MI: " +
+                         refusal);
+    }
+  }
+  return refusals;
+}
+
+void CleanupAll(Host::Impl& host) {
+  auto created = host.providers.createdInOrder();
+  for (auto item = created.rbegin(); item != created.rend(); ++item) {
+    const auto [provider, kind] = *item;
+    void* mi = provider->slots[static_cast<std::size_t>(kind)].mi;
+    Scope scope;
+    const ContextObject* context =
+        CreateInScope<ContextObject>(nullptr, host.contextEntries(provider->nameSpace));
+    try {
+      if (kind == MiKind::kInstance) {
+        auto* instanceMi = static_cast<CMPIInstanceMI*>(mi);
+        if (instanceMi->ft->cleanup != nullptr) {
+          instanceMi->ft->cleanup(instanceMi, context, 1);
+        }
+      } else if (kind == MiKind::kMethod) {
+        auto* methodMi = static_cast<CMPIMethodMI*>(mi);
+        if (methodMi->ft->cleanup != nullptr) {
+          methodMi->ft->cleanup(methodMi, context, 1);
+        }
+      } else {
+        auto* associationMi = static_cast<CMPIAssociationMI*>(mi);
+        if (associationMi->ft->cleanup != nullptr) {
+          associationMi->ft->cleanup(associationMi, context, 1);
+        }
+      }
+    } catch (...) {
+      // A provider failing to clean up cannot stop the host from closing.
+    }
+  }
+}
+
+InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,
+                                 const StaticInstance& instance) {
+  InstanceData data;
+  data.shape = host.shapeOf(nameSpace, instance.className);
+  if (!data.shape) {
+    auto empty = std::make_shared<ClassShape>();
+    empty->className = instance.className;
+    data.shape = empty;
+  }
+  data.nameSpace = nameSpace;
+  for (const PropertyShape& property : data.shape->properties) {
+    data.values.push_back(property.initial);
+  }
+  const ShapeLookup lookup = LookupOf(host);
+  for (const auto& [name, value] : instance.values) {
+    const auto index = data.shape->find(name);
+    if (!index) {
+      continue;
+    }
+    const CMPIType type = data.shape->properties[*index].type;
+    if (std::optional<HostValue> converted = ValueFromMof(value, type, nameSpace, lookup)) {
+      converted->type = type;
+      data.values[*index] = std::move(*converted);
+    }
+  }
+  return data;
+}
+
+Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
+                           const std::vector<std::string>* properties, bool namesOnly) {
+  Gathered gathered;
+  const std::string& nameSpace = classPath.nameSpace;
+  const std::vector<const ClassDecl*> classes =
+      host.repository.classAndSubclasses(nameSpace, classPath.className);
+  if (classes.empty()) {
+    gathered.status = UnknownClass(nameSpace, classPath.className);
+    return gathered;
+  }
+  PropertyArray propertyArray(properties);
+  for (const ClassDecl* decl : classes) {
+    PathData path;
+    path.nameSpace = nameSpace;
+    path.className = decl->name();
+    for (ProviderEntry* provider :
+         host.providers.forClass(nameSpace, decl->name(), MiKind::kInstance)) {
+      gathered.served = true;
+      auto* mi = MiFor<CMPIInstanceMI>(host, *provider, MiKind::kInstance, gathered);
+      if (mi == nullptr) {
+        return gathered;
+      }
+      CallProvider(host, path, gathered,
+                   [&](const CMPIContext* context, const CMPIResult* result,
+                       const CMPIObjectPath* objectPath) {
+                     if (namesOnly) {
+                       return mi->ft->enumerateInstanceNames == nullptr
+                                  ? Missing(*provider, MiKind::kInstance, "enumerateInstanceNames")
+                                  : mi->ft->enumerateInstanceNames(mi, context, result, objectPath);
+                     }
+                     return mi->ft->enumerateInstances == nullptr
+                                ? Missing(*provider, MiKind::kInstance, "enumerateInstances")
+                                : mi->ft->enumerateInstances(mi, context, result, objectPath,
+                                                             propertyArray.get());
+                   });
+      if (gathered.status.rc != CMPI_RC_OK) {
+        return gathered;
+      }
+    }
+    for (const StaticInstance* instance : host.repository.staticInstances(nameSpace, decl->name())) {
+      gathered.served = true;
+      InstanceData data = BuildStaticInstance(host, nameSpace, *instance);
+      if (namesOnly) {
+        gathered.records.push_back(
+            Record(ResultRecord::Kind::kObjectPath, HostValue::Reference(data.objectPath())));
+      } else {
+        gathered.records.push_back(
+            Record(ResultRecord::Kind::kInstance, InstanceValue(std::move(data))));
+      }
+    }
+  }
+  if (!gathered.served) {
+    gathered.status =
+        Failure(CMPI_RC_ERR_NOT_SUPPORTED, "no provider serves class " + classPath.className +
+                                               " or its subclasses, and it has no static instances");
+  }
+  return gathered;
+}
+
+Gathered DispatchGetInstance(Host::Impl& host, const PathData& path,
+                             const std::vector<std::string>* properties) {
+  const ClassDecl* decl = host.repository.findClass(path.nameSpace, path.className);
+  if (decl != nullptr &&
+      NearestProvider(host, path.nameSpace, path.className, MiKind::kInstance) == nullptr) {
+    // No provider: the MOF's static instances answer.
+    Gathered gathered;
+    for (const StaticInstance* instance : host.repository.staticInstances(path.nameSpace,
+                                                                         decl->name())) {
+      InstanceData data = BuildStaticInstance(host, path.nameSpace, *instance);
+      if (SameKeys(data.objectPath(), path)) {
+        gathered.served = true;
+        gathered.records.push_back(
+            Record(ResultRecord::Kind::kInstance, InstanceValue(std::move(data))));
+        return gathered;
+      }
+    }
+    gathered.status = Failure(CMPI_RC_ERR_NOT_FOUND, "no instance " + PathToString(path));
+    return gathered;
+  }
+  PropertyArray propertyArray(properties);
+  return RouteToInstanceProvider(
+      host, path,
+      [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
+          const CMPIResult* result, const CMPIObjectPath* objectPath) {
+        return mi->ft->getInstance == nullptr
+                   ? Missing(provider, MiKind::kInstance, "getInstance")
+                   : mi->ft->getInstance(mi, context, result, objectPath, propertyArray.get());
+      });
+}
+
+Gathered DispatchCreateInstance(Host::Impl& host, const PathData& path,
+                                const InstanceData& instance) {
+  return RouteToInstanceProvider(
+      host, path,
+      [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
+          const CMPIResult* result, const CMPIObjectPath* objectPath) {
+        const InstanceObject* object = CreateInScope<InstanceObject>(nullptr, instance);
+        return mi->ft->createInstance == nullptr
+                   ? Missing(provider, MiKind::kInstance, "createInstance")
+                   : mi->ft->createInstance(mi, context, result, objectPath, object);
+      });
+}
+
+Gathered DispatchModifyInstance(Host::Impl& host, const PathData& path,
+                                const InstanceData& instance,
+                                const std::vector<std::string>* properties) {
+  PropertyArray propertyArray(properties);
+  return RouteToInstanceProvider(
+      host, path,
+      [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
+          const CMPIResult* result, const CMPIObjectPath* objectPath) {
+        const InstanceObject* object = CreateInScope<InstanceObject>(nullptr, instance);
+        return mi->ft->modifyInstance == nullptr
+                   ? Missing(provider, MiKind::kInstance, "modifyInstance")
+                   : mi->ft->modifyInstance(mi, context, result, objectPath, object,
+                                            propertyArray.get());
+      });
+}
+
+Gathered DispatchDeleteInstance(Host::Impl& host, const PathData& path) {
+  return RouteToInstanceProvider(
+      host, path,
+      [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
+          const CMPIResult* result, const CMPIObjectPath* objectPath) {
+        return mi->ft->deleteInstance == nullptr
+                   ? Missing(provider, MiKind::kInstance, "deleteInstance")
+                   : mi->ft->deleteInstance(mi, context, result, objectPath);
+      });
+}
+
+Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const std::string& query,
+                           const std::string& language) {
+  Gathered gathered;
+  const std::vector<const ClassDecl*> classes =
+      host.repository.classAndSubclasses(classPath.nameSpace, classPath.className);
+  if (classes.empty()) {
+    gathered.status = UnknownClass(classPath.nameSpace, classPath.className);
+    return gathered;
+  }
+  for (const ClassDecl* decl : classes) {
+    PathData path;
+    path.nameSpace = classPath.nameSpace;
+    path.className = decl->name();
+    for (ProviderEntry* provider :
+         host.providers.forClass(path.nameSpace, decl->name(), MiKind::kInstance)) {
+      gathered.served = true;
+      auto* mi = MiFor<CMPIInstanceMI>(host, *provider, MiKind::kInstance, gathered);
+      if (mi == nullptr) {
+        return gathered;
+      }
+      CallProvider(host, path, gathered,
+                   [&](const CMPIContext* context, const CMPIResult* result,
+                       const CMPIObjectPath* objectPath) {
+                     return mi->ft->execQuery == nullptr
+                                ? Missing(*provider, MiKind::kInstance, "execQuery")
+                                : mi->ft->execQuery(mi, context, result, objectPath, query.c_str(),
+                                                    language.c_str());
+                   });
+      if (gathered.status.rc != CMPI_RC_OK) {
+        return gathered;
+      }
+    }
+  }
+  if (!gathered.served) {
+    gathered.status = Failure(CMPI_RC_ERR_NOT_SUPPORTED, "no provider serves class " +
+                                                             classPath.className +
+                                                             " or its subclasses");
+  }
+  return gathered;
+}
+
+Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std::string& method,
+                              const NamedValues& in) {
+  Gathered gathered;
+  if (host.repository.findClass(path.nameSpace, path.className) == nullptr) {
+    gathered.status = UnknownClass(path.nameSpace, path.className);
+    return gathered;
+  }
+  ProviderEntry* provider = NearestProvider(host, path.nameSpace, path.className, MiKind::kMethod);
+  if (provider == nullptr) {
+    gathered.status = NoProvider(MiKind::kMethod, path);
+    return gathered;
+  }
+  gathered.served = true;
+  auto* mi = MiFor<CMPIMethodMI>(host, *provider, MiKind::kMethod, gathered);
+  if (mi == nullptr) {
+    return gathered;
+  }
+  CallProvider(host, path, gathered,
+               [&](const CMPIContext* context, const CMPIResult* result,
+                   const CMPIObjectPath* objectPath) {
+                 const ArgsObject* inArgs = CreateInScope<ArgsObject>(nullptr, in);
+                 ArgsObject* outArgs = CreateInScope<ArgsObject>(nullptr);
+                 const CMPIStatus status =
+                     mi->ft->invokeMethod == nullptr
+                         ? Missing(*provider, MiKind::kMethod, "invokeMethod")
+                         : mi->ft->invokeMethod(mi, context, result, objectPath, method.c_str(),
+                                                inArgs, outArgs);
+                 gathered.outArguments = outArgs->args;
+                 return status;
+               });
+  return gathered;
+}
+
+Gathered DispatchAssociation(Host::Impl& host, AssociationOp op, const PathData& path,
+                             const AssociationFilter& filter,
+                             const std::vector<std::string>* properties) {
+  Gathered gathered;
+  if (host.repository.findClass(path.nameSpace, path.className) == nullptr) {
+    gathered.status = UnknownClass(path.nameSpace, path.className);
+    return gathered;
+  }
+  std::vector<ProviderEntry*> providers;
+  if (filter.assocClass) {
+    const std::vector<const ClassDecl*> classes =
+        host.repository.classAndSubclasses(path.nameSpace, *filter.assocClass);
+    if (classes.empty()) {
+      gathered.status = UnknownClass(path.nameSpace, *filter.assocClass);
+      return gathered;
+    }
+    for (const ClassDecl* decl : classes) {
+      for (ProviderEntry* provider :
+           host.providers.forClass(path.nameSpace, decl->name(), MiKind::kAssociation)) {
+        if (std::find(providers.begin(), providers.end(), provider) == providers.end()) {
+          providers.push_back(provider);
+        }
+      }
+    }
+  } else {
+    providers = host.providers.inNamespace(path.nameSpace, MiKind::kAssociation);
+  }
+  if (providers.empty()) {
+    gathered.status = Failure(CMPI_RC_ERR_NOT_SUPPORTED,
+                              "no Association provider serves " +
+                                  (filter.assocClass ? "class " + *filter.assocClass
+                                                     : "namespace " + path.nameSpace));
+    return gathered;
+  }
+  gathered.served = true;
+  PropertyArray propertyArray(properties);
+  for (ProviderEntry* provider : providers) {
+    auto* mi = MiFor<CMPIAssociationMI>(host, *provider, MiKind::kAssociation, gathered);
+    if (mi == nullptr) {
+      return gathered;
+    }
+    CallProvider(host, path, gathered,
+                 [&](const CMPIContext* context, const CMPIResult* result,
+                     const CMPIObjectPath* objectPath) {
+                   const auto& ft = *mi->ft;
+                   switch (op) {
+                     case AssociationOp::kAssociators:
+                       return ft.associators == nullptr
+                                  ? Missing(*provider, MiKind::kAssociation, "associators")
+                                  : ft.associators(mi, context, result, objectPath,
+                                                   OrNull(filter.assocClass),
+                                                   OrNull(filter.resultClass), OrNull(filter.role),
+                                                   OrNull(filter.resultRole), propertyArray.get());
+                     case AssociationOp::kAssociatorNames:
+                       return ft.associatorNames == nullptr
+                                  ? Missing(*provider, MiKind::kAssociation, "associatorNames")
+                                  : ft.associatorNames(mi, context, result, objectPath,
+                                                       OrNull(filter.assocClass),
+                                                       OrNull(filter.resultClass),
+                                                       OrNull(filter.role), OrNull(filter.resultRole));
+                     case AssociationOp::kReferences:
+                       return ft.references == nullptr
+                                  ? Missing(*provider, MiKind::kAssociation, "references")
+                                  : ft.references(mi, context, result, objectPath,
+                                                  OrNull(filter.resultClass), OrNull(filter.role),
+                                                  propertyArray.get());
+                     case AssociationOp::kReferenceNames:
+                       return ft.referenceNames == nullptr
+                                  ? Missing(*provider, MiKind::kAssociation, "referenceNames")
+                                  : ft.referenceNames(mi, context, result, objectPath,
+                                                      OrNull(filter.resultClass),
+                                                      OrNull(filter.role));
+                   }
+                   return Missing(*provider, MiKind::kAssociation, "?");
+                 });
+    if (gathered.status.rc != CMPI_RC_OK) {
+      return gathered;
+    }
+  }
+  return gathered;
+}
+
+Reply ToReply(const Gathered& gathered) {
+  Reply reply;
+  reply.status = gathered.status;
+  reply.providerCalls = gathered.providerCalls;
+  for (const ResultRecord& record : gathered.records) {
+    ResultEvent event;
+    switch (record.kind) {
+      case ResultRecord::Kind::kInstance:
+        event.kind = ResultEvent::Kind::kInstance;
+        if (record.value.instance) {
+          event.instance = ToSnapshot(*record.value.instance);
+        }
+        break;
+      case ResultRecord::Kind::kObjectPath:
+        event.kind = ResultEvent::Kind::kObjectPath;
+        if (record.value.path) {
+          event.path = PathToString(*record.value.path);
+        }
+        break;
+      case ResultRecord::Kind::kData:
+        event.kind = ResultEvent::Kind::kData;
+        event.data = ToPublicValue(record.value);
+        break;
+      case ResultRecord::Kind::kDone:
+        event.kind = ResultEvent::Kind::kDone;
+        break;
+      case ResultRecord::Kind::kError:
+        event.kind = ResultEvent::Kind::kError;
+        event.error = record.error;
+        break;
+    }
+    reply.events.push_back(std::move(event));
+  }
+  return reply;
+}
+
+}  // namespace cmpihost

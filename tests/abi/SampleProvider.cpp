@@ -1,0 +1,2 @@
+// The same provider compiled as C++: the macros must expand to valid C++ too.
+#include "SampleProvider.c"
