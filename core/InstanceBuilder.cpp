@@ -92,7 +92,9 @@ CMPIInstance* InstanceBuilder::build(const CMPIBroker* broker, const CMPIContext
       instance->ft->setProperty(instance, name.c_str(), &value, type);
       continue;
     }
-    Trace(broker, CMPI_DEV_DEBUG, "Setting property " + name + " to '" + text + "'");
+    std::ostringstream setting;
+    setting << "Setting property " << name << " to '" << text << "'";
+    Trace(broker, CMPI_DEV_DEBUG, setting.str());
     CMPIValue value = convert(broker, context, type, text);
     instance->ft->setProperty(instance, name.c_str(), &value, type);
   }

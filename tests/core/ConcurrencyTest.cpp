@@ -94,9 +94,10 @@ TEST(ConcurrencyTest, ThreadsRegisteringEnumeratingGettingAndInvokingLoseNothing
   EXPECT_EQ(failures.load(), 0);
   EXPECT_EQ(shared->calls(), kThreads * kObjectsPerThread);
   const cmpihost::Reply names = host.enumerateInstanceNames("root/cimv2", "DCT_Element");
-  const std::set<std::string> unique(names.paths().begin(), names.paths().end());
-  EXPECT_EQ(names.paths().size(), static_cast<std::size_t>(kThreads * kObjectsPerThread + 1));
-  EXPECT_EQ(unique.size(), names.paths().size());
+  const std::vector<std::string> paths = names.paths();
+  const std::set<std::string> unique(paths.begin(), paths.end());
+  EXPECT_EQ(paths.size(), static_cast<std::size_t>(kThreads * kObjectsPerThread + 1));
+  EXPECT_EQ(unique.size(), paths.size());
   for (int t = 0; t < kThreads; ++t) {
     for (int i = 0; i < kObjectsPerThread; ++i) {
       const std::string id = "t" + std::to_string(t) + "-" + std::to_string(i);

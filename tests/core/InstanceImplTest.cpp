@@ -78,16 +78,6 @@ TEST(InstanceImplTest, SelfAssignmentChangesNothing) {
   EXPECT_EQ(PropertiesOf(bag), (Properties{{"a", "1"}, {"b", "2"}}));
 }
 
-TEST(InstanceImplTest, ClassNameAndObjectPathAreReplaced) {
-  TestBag bag("ClassA");
-  EXPECT_EQ(bag.getObjectPath(), "");
-  bag.setClassName("ClassB");
-  bag.setObjectPath("ClassB.k=\"v\"");
-  EXPECT_EQ(bag.getClassName(), "ClassB");
-  EXPECT_EQ(bag.getObjectPath(), "ClassB.k=\"v\"");
-  EXPECT_EQ(bag.begin(), bag.end());
-}
-
 TEST(InstanceImplTest, PrintWritesNameTwoTabsValueLinesThenAnEmptyLine) {
   TestBag bag("ClassA", {{"b", "two words"}, {"a", "1"}});
   bag.setObjectPath("never printed");

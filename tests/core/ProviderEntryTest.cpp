@@ -83,18 +83,6 @@ TEST_F(ProviderEntryTest, EnumInstanceNamesDeliversPathsInTheSameOrder) {
   EXPECT_EQ(TakeTraces(), std::vector<TraceLine>{Debug("+++ EnumInstanceNames")});
 }
 
-TEST_F(ProviderEntryTest, EnumerationsFollowEnumOrderWhenTheFirstEntryHasIt) {
-  Register(NewElement("a", {{"EnumOrder", "3"}}));
-  Register(NewElement("b", {{"EnumOrder", "1"}}));
-  Register(NewElement("c", {{"EnumOrder", "2"}}));
-  const Reply instances = host().enumerateInstances("root/cimv2", "DCT_Element");
-  EXPECT_THAT(DeviceIds(instances), ElementsAre("b", "c", "a"));
-  const Reply names = host().enumerateInstanceNames("root/cimv2", "DCT_Element");
-  EXPECT_THAT(names.paths(), ElementsAre("//localhost/root/cimv2:" + ElementText("b"),
-                                         "//localhost/root/cimv2:" + ElementText("c"),
-                                         "//localhost/root/cimv2:" + ElementText("a")));
-}
-
 TEST_F(ProviderEntryTest, EnumerationsOfAClassWithoutObjectsAreEmptyAndDone) {
   RegisterElements();
   for (const Reply& reply : {host().enumerateInstances("root/cimv2", "DCT_NumberKey"),
