@@ -30,7 +30,7 @@ const CMPIContext* CallScope::context() const {
   return impl_->context;
 }
 
-CMPIObjectPath* CallScope::objectPath(const std::string& pathText) {
+CMPIObjectPath* CallScope::objectPath(const std::string& pathText, std::string* problem) {
   Host::Impl& host = impl_->host;
   try {
     PathData path = ParsePath(pathText, host.defaultNameSpace,
@@ -38,7 +38,10 @@ CMPIObjectPath* CallScope::objectPath(const std::string& pathText) {
                                 return host.shapeOf(nameSpace, className);
                               });
     return CreateInScope<ObjectPathObject>(nullptr, std::move(path));
-  } catch (const HostError&) {
+  } catch (const HostError& error) {
+    if (problem != nullptr) {
+      *problem = error.what();
+    }
     return nullptr;
   }
 }

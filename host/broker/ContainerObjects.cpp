@@ -53,10 +53,9 @@ CMPIData GetNamedAt(const NamedValues& values, CMPICount index, CMPIString** nam
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
   const NamedValue& item = values.items()[index];
-  if (name != nullptr) {
-    *name = CreateInScope<StringObject>(rc, item.name);
-  }
-  return ToCmpiData(item.value, rc);
+  const CMPIData data = ToCmpiData(item.value, rc);
+  NameOut(name, item.name, rc);
+  return data;
 }
 
 // --- CMPIArgs ---

@@ -68,10 +68,9 @@ CMPIData InstanceGetPropertyAt(const CMPIInstance* instance, CMPICount index, CM
                   " properties)");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  if (name != nullptr) {
-    *name = CreateInScope<StringObject>(rc, properties[index].name);
-  }
-  return ToCmpiData(object->data.values[index], rc);
+  const CMPIData data = ToCmpiData(object->data.values[index], rc);
+  NameOut(name, properties[index].name, rc);
+  return data;
 }
 
 CMPICount InstanceGetPropertyCount(const CMPIInstance* instance, CMPIStatus* rc) {

@@ -224,6 +224,17 @@ CMPIData NullData(CMPIType type, CMPIValueState state) {
   return data;
 }
 
+void NameOut(CMPIString** name, const std::string& text, CMPIStatus* rc) {
+  if (name == nullptr) {
+    return;
+  }
+  CMPIStatus made;
+  *name = CreateInScope<StringObject>(&made, text);
+  if (*name == nullptr && rc != nullptr && rc->rc == CMPI_RC_OK) {
+    *rc = made;
+  }
+}
+
 namespace {
 
 CMPIrc CopyScalar(const CMPIValue& value, CMPIType type, HostValue& out, std::string& problem) {

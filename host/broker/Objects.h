@@ -155,6 +155,9 @@ void SetNoScopeStatus(CMPIStatus* out);
 CMPIStatus NoScopeStatus();
 CMPIString* NewMessageString(const std::string& text);
 CMPIData NullData(CMPIType type, CMPIValueState state = CMPI_nullValue);
+// The name out-argument of the get...At functions: a string of the current
+// scope; a failure to make it overrides an OK in `rc`.
+void NameOut(CMPIString** name, const std::string& text, CMPIStatus* rc);
 
 // Copies a provider's CMPI value in. CMPI_chars (whose value pointer is the
 // C string itself, as CMPI has it) becomes CMPI_string. Objects

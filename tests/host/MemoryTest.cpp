@@ -64,6 +64,10 @@ TEST_F(MemoryTest, WithNoScopeOpenNothingIsMadeAndTheStatusSaysWhy) {
     EXPECT_EQ(rc.rc, CMPI_RC_OK);
     EXPECT_EQ(clone->ft->getObjectPath(clone, &rc), nullptr);
     EXPECT_EQ(rc.rc, CMPI_RC_ERR_FAILED);
+    CMPIString* name = nullptr;
+    clone->ft->getPropertyAt(clone, 0, &name, &rc);
+    EXPECT_EQ(name, nullptr);
+    EXPECT_EQ(rc.rc, CMPI_RC_ERR_FAILED);
     EXPECT_EQ(broker_->mft->cmpiMalloc(broker_, 8), nullptr);
   }).join();
   clone->ft->release(clone);

@@ -83,7 +83,9 @@ TEST_F(PathTextTest, BadTextsNameTheProblemAndColumn) {
       EXPECT_NE(std::string(error.what()).find(c.message), std::string::npos)
           << c.text << "\n  gave: " << error.what() << "\n  want: " << c.message;
     }
-    EXPECT_EQ(scope_->objectPath(c.text), nullptr) << c.text;
+    std::string problem;
+    EXPECT_EQ(scope_->objectPath(c.text, &problem), nullptr) << c.text;
+    EXPECT_NE(problem.find(c.message), std::string::npos) << problem;
   }
 }
 
