@@ -79,6 +79,11 @@ std::string DeviceText(const std::string& deviceId) {
          "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
 }
 
+std::string AvailabilityText(const std::string& service, const std::string& deviceId) {
+  return "DTP_AvailableDiagnosticService.ServiceProvided=\"//localhost/" + ServicePath(service) +
+         "\",UserOfService=\"//localhost/" + DevicePath(deviceId) + "\"";
+}
+
 std::string ServicePath(const std::string& name) {
   return kNameSpacePrefix + ServiceText(name);
 }

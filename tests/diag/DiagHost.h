@@ -43,6 +43,9 @@ std::string RecordPath(const std::string& instanceId);
 // The same without namespace: the library's object path text.
 std::string ServiceText(const std::string& name);
 std::string DeviceText(const std::string& deviceId);
+// An availability association's object path text: its references keep the
+// host and namespace the builder gave them.
+std::string AvailabilityText(const std::string& service, const std::string& deviceId);
 
 class DiagHostTest : public ::testing::Test {
  protected:
