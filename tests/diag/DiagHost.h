@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <string>
@@ -61,8 +62,8 @@ class DiagHostTest : public ::testing::Test {
   std::vector<TraceLine> TakeTraces();
 
   ProviderHost provider_;
-  int clockCalls_ = 0;
-  bool advancing_ = false;
+  std::atomic<int> clockCalls_{0};
+  std::atomic<bool> advancing_{false};
 };
 
 // A test whose host serves the in-process test plug-in, started.
