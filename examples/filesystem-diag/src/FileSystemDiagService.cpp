@@ -1,11 +1,24 @@
 #include "FileSystemDiagService.h"
 
+#include <algorithm>
+#include <cctype>
 #include <utility>
 
 #include "ClassNames.h"
 #include "MountTable.h"
 
 namespace filesystemdiag {
+namespace {
+
+// CIM class names compare without regard to letter case.
+bool SameClassName(const std::string& a, const std::string& b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) ==
+                  std::tolower(static_cast<unsigned char>(y));
+         });
+}
+
+}  // namespace
 
 bool IsTestableMountPoint(const std::string& path) {
   for (const MountEntry& entry : MountTable::ReadProcSelfMounts().testable()) {
@@ -32,11 +45,16 @@ FileSystemDiagService::FileSystemDiagService(const ServiceTexts& texts,
 
 unsigned int FileSystemDiagService::runTest(NQENDRA20::InstanceImpl& managedElement,
                                             NQENDRA20::DiagnosticRecord* record) {
+  if (!SameClassName(managedElement.getClassName(), kFileSystemClass)) {
+    record->fail(1, "NOT_A_FILE_SYSTEM", 1,
+                 "the element is of class " + managedElement.getClassName() + ", not " +
+                     kFileSystemClass + "; nothing was tested");
+    return kInvalidParameter;
+  }
   const auto deviceId = managedElement.find("DeviceID");
   if (deviceId == managedElement.end() || deviceId->second.empty()) {
     record->fail(1, "NO_DEVICE_ID", 1,
-                 "the element " + managedElement.getClassName() +
-                     " names no DeviceID, so there is no mount point to test");
+                 "the element names no DeviceID, so there is no mount point to test");
     return kInvalidParameter;
   }
   const std::string& mountPoint = deviceId->second;

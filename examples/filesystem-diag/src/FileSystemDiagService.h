@@ -43,9 +43,11 @@ class FileSystemDiagService : public NQENDRA20::DiagService {
 
   // Runs the check on the element's DeviceID (its mount point) and reports
   // it with Report(). Nothing is tested, and the record fails, when the
-  // element names no DeviceID (NO_DEVICE_ID, kInvalidParameter) or when the
-  // DeviceID is not a mount point of a tested file system now (NOT_MOUNTED,
-  // kFailed): a client cannot make the provider write into an arbitrary folder.
+  // element is not an FSD_MountedFileSystem (NOT_A_FILE_SYSTEM,
+  // kInvalidParameter), names no DeviceID (NO_DEVICE_ID, kInvalidParameter),
+  // or when the DeviceID is not the mount point of a tested file system now
+  // (NOT_MOUNTED, kFailed): a client cannot make the provider write into an
+  // arbitrary folder.
   unsigned int runTest(NQENDRA20::InstanceImpl& managedElement,
                        NQENDRA20::DiagnosticRecord* record) override;
 
