@@ -37,9 +37,9 @@ std::string HumanBytes(double bytes) {
 
 std::string Percent(double share) {
   // Rounded down, so that a share just under a threshold never reads as
-  // the threshold itself.
+  // the threshold itself; the nudge keeps 99.9 (binary 99.89999...) at 99.9.
   char text[32];
-  std::snprintf(text, sizeof text, "%.1f%%", std::floor(share * 10.0) / 10.0);
+  std::snprintf(text, sizeof text, "%.1f%%", std::floor(share * 10.0 + 1e-9) / 10.0);
   return text;
 }
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <utility>
 
 #include "ProbeFile.h"
@@ -35,11 +36,19 @@ std::string WriteReadCheck::ProbeData() {
   constexpr std::size_t kLetters = sizeof kAlphabet - 1;
   std::string data;
   data.reserve(kProbeSize);
-  for (std::size_t offset = 0; offset < kProbeSize; ++offset) {
-    const std::size_t line = offset / kLine;
-    const std::size_t column = offset % kLine;
-    data += column == kLine - 1 ? '\n' : kAlphabet[(line + column) % kLetters];
+  for (std::size_t line = 0; data.size() < kProbeSize; ++line) {
+    // Each line starts with its number, so no two lines are alike, and its
+    // letters run one further than the line before, so a shift shows.
+    char number[8];
+    std::snprintf(number, sizeof number, "%04zx:", line);
+    std::string text = number;
+    for (std::size_t column = text.size(); column + 1 < kLine; ++column) {
+      text += kAlphabet[(line + column) % kLetters];
+    }
+    text += '\n';
+    data += text;
   }
+  data.resize(kProbeSize);
   return data;
 }
 

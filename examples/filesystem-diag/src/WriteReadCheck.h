@@ -30,8 +30,9 @@ class WriteReadCheck : public FileSystemCheck {
   // REMOVE_FAILED at the step that went wrong; otherwise passed.
   CheckResult run(const std::string& mountPoint) const override;
 
-  // The bytes written: a pattern that differs at every offset within a line
-  // and from line to line, so a shifted or truncated read-back shows.
+  // The bytes written: 64-byte lines, each numbered ("0000:", "0001:", ...)
+  // and with letters that differ at every offset and from line to line, so a
+  // shifted, repeated or truncated read-back shows.
   static std::string ProbeData();
 
  private:
