@@ -45,9 +45,13 @@ awk -v sysname="$system" -v paths="$scratch/file-systems" '
     line = replace(line, "@FILE_SYSTEM@", replace(path, "\047", "\047\\\047\047"))
     return replace(line, "@DEVICE_ID@", id)
   }
-  function flush(   i, path, id) {
+  # Prints the block gathered so far once per file system (only for the
+  # first one when `onlyFirst`).
+  function flush(   i, path, id, count) {
     if (blockSize == 0) return
-    while ((getline path < paths) > 0) {
+    count = 0
+    while ((getline path < paths) > 0 && !(onlyFirst && count == 1)) {
+      count++
       id = path
       sub(/.*DeviceID="/, "", id)
       sub(/".*/, "", id)
@@ -57,7 +61,15 @@ awk -v sysname="$system" -v paths="$scratch/file-systems" '
     blockSize = 0
   }
   /^@each-file-system@ / {
+    if (onlyFirst) flush()
+    onlyFirst = 0
     block[++blockSize] = substr($0, length("@each-file-system@ ") + 1)
+    next
+  }
+  /^@first-file-system@ / {
+    if (!onlyFirst) flush()
+    onlyFirst = 1
+    block[++blockSize] = substr($0, length("@first-file-system@ ") + 1)
     next
   }
   { flush(); print fill($0, "", "") }
