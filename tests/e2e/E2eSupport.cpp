@@ -92,9 +92,13 @@ std::string HostName() {
   return name;
 }
 
-std::string Masked(const std::string& text, const std::string& systemName) {
+std::string MaskedDates(const std::string& text) {
   static const std::regex kDateTime(R"(\d{14}\.\d{6}[+-]\d{3})");
-  std::string masked = std::regex_replace(text, kDateTime, "@DATETIME@");
+  return std::regex_replace(text, kDateTime, "@DATETIME@");
+}
+
+std::string Masked(const std::string& text, const std::string& systemName) {
+  std::string masked = MaskedDates(text);
   masked = ReplaceAll(masked, "\\\"" + systemName + "\\\"", "\\\"@SYSTEM@\\\"");
   return ReplaceAll(masked, "\"" + systemName + "\"", "\"@SYSTEM@\"");
 }

@@ -32,6 +32,10 @@ ProgramResult RunOnTestPlugin(const std::vector<std::string>& args);
 std::string HostName();
 
 // `text` with every CIM date-time ("20261121063324.680570+000") replaced by
+// "@DATETIME@".
+std::string MaskedDates(const std::string& text);
+
+// `text` with every CIM date-time ("20261121063324.680570+000") replaced by
 // "@DATETIME@", and every quoted occurrence of `systemName` ("name" and the
 // escaped \"name\" inside a reference) by the same quotes around "@SYSTEM@".
 std::string Masked(const std::string& text, const std::string& systemName);
