@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "ComputerSystemBag.h"
 #include "MountTable.h"
 #include "MountedFileSystemBag.h"
 #include "diagcore/DiagUser.h"
@@ -199,29 +198,6 @@ TEST(ElementBagsTest, AMountBecomesAFileSystemElementKeyedByItsMountPoint) {
                                  {"MountSource", "/dev/sdb1"},
                                  {"MountOptions", "ro,noatime"},
                                  {"ReadOnly", "1"}}));
-}
-
-TEST(ElementBagsTest, InitKeepsWhatIsAlreadySet) {
-  MountEntry mount;
-  mount.mountPoint = "/";
-  mount.options = "rw";
-  MountedFileSystemBag bag(mount, "h");
-  EXPECT_EQ(bag["ReadOnly"], "0");
-  bag["ElementName"] = "root";
-  bag.init();
-  EXPECT_EQ(bag["ElementName"], "root");
-
-  ComputerSystemBag system("host.example");
-  EXPECT_EQ(system.getClassName(), "TORSK_ComputerSystem");
-  EXPECT_EQ(system["CreationClassName"], "TORSK_ComputerSystem");
-  EXPECT_EQ(system["Name"], "host.example");
-  system["Name"] = "renamed";
-  system.init();
-  EXPECT_EQ(system["Name"], "renamed");
-}
-
-TEST(ElementBagsTest, TheLocalHostNameIsNeverEmpty) {
-  EXPECT_FALSE(LocalHostName().empty());
 }
 
 }  // namespace
