@@ -5,7 +5,7 @@
 #
 # CMPIHOST is the cmpihost command, LIBDIR the folder of libfilesystemdiag.so,
 # SCHEMA_MOF the project's DMTF schema (schema/diagcore.mof). Fills in
-# demo.cmpihost.in (this host's name, one block per mounted file system) and
+# demo.cmpihost.in (this host's name, a block per mounted file system) and
 # runs it with the example's MOF and its deploy/filesystemdiag.reg, the same
 # registration file a CIMOM reads. Works as root or not: the write check
 # writes only where the provider may, a 4 KiB file that it removes again.
