@@ -99,21 +99,21 @@ std::string MaskedDates(const std::string& text) {
 
 std::string Masked(const std::string& text, const std::string& systemName) {
   std::string masked = MaskedDates(text);
-  masked = ReplaceAll(masked, "\\\"" + systemName + "\\\"", "\\\"@SYSTEM@\\\"");
-  return ReplaceAll(masked, "\"" + systemName + "\"", "\"@SYSTEM@\"");
+  masked = ReplaceAll(masked, R"(\")" + systemName + R"(\")", R"(\"@SYSTEM@\")");
+  return ReplaceAll(masked, R"(")" + systemName + R"(")", R"("@SYSTEM@")");
 }
 
 std::string ServicePath(const std::string& serviceName) {
-  return "FSD_FileSystemDiagnosticService.CreationClassName=\"FSD_FileSystemDiagnosticService\","
-         "Name=\"" +
-         serviceName + "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"" +
-         HostName() + "\"";
+  return R"(FSD_FileSystemDiagnosticService.CreationClassName="FSD_FileSystemDiagnosticService",)"
+         R"(Name=")" +
+         serviceName + R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" +
+         HostName() + R"(")";
 }
 
 std::string FileSystemPath(const std::string& deviceId) {
-  return "FSD_MountedFileSystem.CreationClassName=\"FSD_MountedFileSystem\",DeviceID=\"" +
-         deviceId + "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"" +
-         HostName() + "\"";
+  return R"(FSD_MountedFileSystem.CreationClassName="FSD_MountedFileSystem",DeviceID=")" +
+         deviceId + R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" +
+         HostName() + R"(")";
 }
 
 void ExpectGolden(const std::string& actual, const std::string& name) {

@@ -25,7 +25,7 @@ const char* const kMissing = "/nonexistent/fsd-e2e";
 ProgramResult RunScript(const std::string& script, const std::vector<std::string>& options = {}) {
   const ScratchDir scratch;
   std::vector<std::string> args = options;
-  args.push_back("run");
+  args.emplace_back("run");
   args.push_back(scratch.write("test.cmpihost", script));
   return RunOnExample(args);
 }
@@ -152,7 +152,7 @@ TEST(ExampleCommandTest, EachServiceIsAvailableToEachFileSystemInItsOrder) {
     const unsigned int first = service[0] == 'F' ? 1000 : 2000;
     for (std::size_t i = 0; i < ids.size(); ++i) {
       expectedOrders.push_back(std::to_string(first + i));
-      expectedServices.push_back(service);
+      expectedServices.emplace_back(service);
       expectedUsers.push_back(ids[i]);
     }
   }
@@ -199,8 +199,8 @@ TEST(ExampleCommandTest, RunsThatCannotTestLeaveFailedRecordsThatSayWhy) {
                 RunLine("FreeSpaceCheck",
                         "FSD_MountedFileSystem.CreationClassName=\"FSD_MountedFileSystem\"") +
                 RunLine("WriteReadCheck",
-                        "TORSK_ComputerSystem.CreationClassName=\"TORSK_ComputerSystem\",Name=\"" +
-                            HostName() + "\"") +
+                        R"(TORSK_ComputerSystem.CreationClassName="TORSK_ComputerSystem",Name=")" +
+                            HostName() + R"(")") +
                 "ei FSD_FileSystemDiagnosticRecord\n");
   ASSERT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(result.err, "");

@@ -19,7 +19,7 @@ namespace {
 using Properties = std::map<std::string, std::string>;
 
 Properties Of(const NQENDRA20::InstanceImpl& bag) {
-  return Properties(bag.begin(), bag.end());
+  return {bag.begin(), bag.end()};
 }
 
 // A check that answers what it is told and notes where it was run.

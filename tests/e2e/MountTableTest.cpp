@@ -18,6 +18,7 @@ MountTable ParseText(const std::string& text) {
 
 std::vector<std::string> MountPoints(const std::vector<MountEntry>& entries) {
   std::vector<std::string> points;
+  points.reserve(entries.size());
   for (const MountEntry& entry : entries) {
     points.push_back(entry.mountPoint);
   }

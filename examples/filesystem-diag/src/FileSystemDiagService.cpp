@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <utility>
+#include <vector>
 
 #include "ClassNames.h"
 #include "MountTable.h"
@@ -21,12 +22,9 @@ bool SameClassName(const std::string& a, const std::string& b) {
 }  // namespace
 
 bool IsTestableMountPoint(const std::string& path) {
-  for (const MountEntry& entry : MountTable::ReadProcSelfMounts().testable()) {
-    if (entry.mountPoint == path) {
-      return true;
-    }
-  }
-  return false;
+  const std::vector<MountEntry> mounts = MountTable::ReadProcSelfMounts().testable();
+  return std::any_of(mounts.begin(), mounts.end(),
+                     [&path](const MountEntry& entry) { return entry.mountPoint == path; });
 }
 
 FileSystemDiagService::FileSystemDiagService(const ServiceTexts& texts,

@@ -61,7 +61,7 @@ CheckResult FreeSpaceCheck::evaluate(const std::string& mountPoint,
     return CheckResult::Skipped(mountPoint +
                                 " reports no blocks, so it has no space to run out of");
   }
-  const double blockSize = static_cast<double>(usage.blockSize);
+  const auto blockSize = static_cast<double>(usage.blockSize);
   const std::string space =
       Percent(Share(usage.availableBlocks, usage.totalBlocks)) + " of the space free (" +
       HumanBytes(static_cast<double>(usage.availableBlocks) * blockSize) + " of " +

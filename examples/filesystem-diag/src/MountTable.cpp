@@ -1,6 +1,8 @@
 #include "MountTable.h"
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <sstream>
 
@@ -89,29 +91,18 @@ bool IsPseudoFileSystem(const MountEntry& entry) {
       "proc",      "sysfs",   "devtmpfs",    "devpts",   "cgroup",    "cgroup2",  "mqueue",
       "debugfs",   "tracefs", "securityfs",  "pstore",   "bpf",       "configfs", "fusectl",
       "hugetlbfs", "autofs",  "binfmt_misc", "efivarfs", "selinuxfs", "nsfs",     "rpc_pipefs"};
-  for (const char* type : kPseudoTypes) {
-    if (entry.type == type) {
-      return true;
-    }
-  }
-  for (const char* folder : {"/proc", "/sys", "/dev"}) {
-    if (IsAtOrBelow(entry.mountPoint, folder)) {
-      return true;
-    }
-  }
-  return false;
+  static const char* const kKernelFolders[] = {"/proc", "/sys", "/dev"};
+  return std::any_of(std::begin(kPseudoTypes), std::end(kPseudoTypes),
+                     [&entry](const char* type) { return entry.type == type; }) ||
+         std::any_of(
+             std::begin(kKernelFolders), std::end(kKernelFolders),
+             [&entry](const char* folder) { return IsAtOrBelow(entry.mountPoint, folder); });
 }
 
 bool CanBeDeviceId(const std::string& mountPoint) {
-  if (mountPoint.empty()) {
-    return false;
-  }
-  for (const char c : mountPoint) {
-    if (c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
-      return false;
-    }
-  }
-  return true;
+  return !mountPoint.empty() && std::none_of(mountPoint.begin(), mountPoint.end(), [](char c) {
+    return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+  });
 }
 
 }  // namespace filesystemdiag
