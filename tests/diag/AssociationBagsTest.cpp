@@ -18,7 +18,7 @@ using NQENDRA20::UseOfLog;
 using Properties = std::map<std::string, std::string>;
 
 Properties PropertiesOf(const NQENDRA20::InstanceImpl& bag) {
-  return Properties(bag.begin(), bag.end());
+  return {bag.begin(), bag.end()};
 }
 
 TEST(AssociationBagsTest, AFreshAvailabilityHoldsTwoEmptyReferences) {

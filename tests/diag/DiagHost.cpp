@@ -70,13 +70,13 @@ void RegisterTestPlugin(cmpihost::Host& host) {
 }
 
 std::string ServiceText(const std::string& name) {
-  return "DTP_DiagService.CreationClassName=\"DTP_DiagService\",Name=\"" + name +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+  return R"(DTP_DiagService.CreationClassName="DTP_DiagService",Name=")" + name +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
 }
 
 std::string DeviceText(const std::string& deviceId) {
-  return "DTP_Device.CreationClassName=\"DTP_Device\",DeviceID=\"" + deviceId +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+  return R"(DTP_Device.CreationClassName="DTP_Device",DeviceID=")" + deviceId +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
 }
 
 std::string AvailabilityText(const std::string& service, const std::string& deviceId) {

@@ -18,7 +18,7 @@ static_assert(std::has_virtual_destructor<DiagnosticRecord>::value,
 static_assert(!std::is_abstract<DiagnosticRecord>::value, "records are created as they are");
 
 Properties PropertiesOf(const NQENDRA20::InstanceImpl& bag) {
-  return Properties(bag.begin(), bag.end());
+  return {bag.begin(), bag.end()};
 }
 
 const Properties kDefaults = {{"Locale", "en"},
