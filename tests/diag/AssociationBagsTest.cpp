@@ -70,19 +70,5 @@ TEST(AssociationBagsTest, ADiagUserIsEmptyAndInitAddsNothing) {
   EXPECT_EQ(user.getClassName(), "ACME_Disk");
 }
 
-TEST(AssociationBagsTest, AssociationsKnowNoMethod) {
-  AvailableDiagnosticService availability("A");
-  UseOfLog log("L");
-  DiagUser user;
-  for (NQENDRA20::InstanceImpl* bag : {static_cast<NQENDRA20::InstanceImpl*>(&availability),
-                                       static_cast<NQENDRA20::InstanceImpl*>(&log),
-                                       static_cast<NQENDRA20::InstanceImpl*>(&user)}) {
-    const CMPIStatus status =
-        bag->invokeMethod(nullptr, nullptr, nullptr, nullptr, "RunDiagnostic", nullptr, nullptr);
-    EXPECT_EQ(status.rc, CMPI_RC_ERR_METHOD_NOT_FOUND);
-    EXPECT_EQ(status.msg, nullptr);
-  }
-}
-
 }  // namespace
 }  // namespace diagcore_test

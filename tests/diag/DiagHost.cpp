@@ -138,14 +138,13 @@ const cmpihost::Value& Prop(const cmpihost::InstanceSnapshot& instance, const st
   return *value;
 }
 
-std::vector<std::string> NonNullNames(const cmpihost::InstanceSnapshot& instance) {
-  std::vector<std::string> names;
-  for (const cmpihost::Property& property : instance.properties) {
-    if (!property.value.isNull()) {
-      names.push_back(property.name);
-    }
+void ExpectProperties(const cmpihost::InstanceSnapshot& instance,
+                      const std::vector<Expected>& expected) {
+  for (const Expected& property : expected) {
+    const cmpihost::Value& value = Prop(instance, property.name);
+    EXPECT_EQ(value.type, property.type) << property.name;
+    EXPECT_EQ(value.toMof(), property.mof) << property.name;
   }
-  return names;
 }
 
 }  // namespace diagcore_test

@@ -112,13 +112,5 @@ TEST(DiagnosticRecordTest, CountsArePlainDecimalUpToTheLargestUnsigned32BitValue
   EXPECT_EQ(record["ErrorCount"], "100");
 }
 
-TEST(DiagnosticRecordTest, RecordsKnowNoMethod) {
-  DiagnosticRecord record("ACME_Record");
-  const CMPIStatus status =
-      record.invokeMethod(nullptr, nullptr, nullptr, nullptr, "RunDiagnostic", nullptr, nullptr);
-  EXPECT_EQ(status.rc, CMPI_RC_ERR_METHOD_NOT_FOUND);
-  EXPECT_EQ(status.msg, nullptr);
-}
-
 }  // namespace
 }  // namespace diagcore_test
