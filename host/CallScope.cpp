@@ -22,11 +22,15 @@ CallScope::CallScope(Host& host) : impl_(std::make_unique<Impl>(host)) {
 
 CallScope::~CallScope() = default;
 
-const CMPIBroker* CallScope::broker() const { return &impl_->host.broker; }
+const CMPIBroker* CallScope::broker() const {
+  return &impl_->host.broker;
+}
 
-const CMPIContext* CallScope::context() const { return impl_->context; }
+const CMPIContext* CallScope::context() const {
+  return impl_->context;
+}
 
-CMPIObjectPath* CallScope::objectPath(const std::string& pathText) {
+CMPIObjectPath* CallScope::objectPath(const std::string& pathText, std::string* problem) {
   Host::Impl& host = impl_->host;
   try {
     PathData path = ParsePath(pathText, host.defaultNameSpace,
@@ -34,12 +38,17 @@ CMPIObjectPath* CallScope::objectPath(const std::string& pathText) {
                                 return host.shapeOf(nameSpace, className);
                               });
     return CreateInScope<ObjectPathObject>(nullptr, std::move(path));
-  } catch (const HostError&) {
+  } catch (const HostError& error) {
+    if (problem != nullptr) {
+      *problem = error.what();
+    }
     return nullptr;
   }
 }
 
-CMPIResult* CallScope::newResult() { return CreateInScope<ResultObject>(nullptr); }
+CMPIResult* CallScope::newResult() {
+  return CreateInScope<ResultObject>(nullptr);
+}
 
 Reply CallScope::recorded(const CMPIResult* result) const {
   const ResultObject* object = AsResult(result);
@@ -60,6 +69,8 @@ InstanceSnapshot CallScope::snapshot(const CMPIInstance* instance) const {
   return object == nullptr ? InstanceSnapshot{} : ToSnapshot(object->data);
 }
 
-std::size_t CallScope::liveObjects() const { return impl_->scope.liveObjects(); }
+std::size_t CallScope::liveObjects() const {
+  return impl_->scope.liveObjects();
+}
 
 }  // namespace cmpihost

@@ -67,7 +67,9 @@ CMPIType CmpiTypeOf(const TypeDecl& type) {
   return static_cast<CMPIType>(type.isArray ? (code | CMPI_ARRAY) : code);
 }
 
-Host::Impl::Impl() { InitBroker(broker, this); }
+Host::Impl::Impl() {
+  InitBroker(broker, this);
+}
 
 Host::Impl::~Impl() = default;
 
@@ -227,7 +229,9 @@ void RequireRegistration(const ProviderRegistration& registration) {
 
 Host::Host() : impl_(std::make_unique<Impl>()) {}
 
-Host::~Host() { CleanupAll(*impl_); }
+Host::~Host() {
+  CleanupAll(*impl_);
+}
 
 void Host::loadMof(const std::string& path, const std::string& nameSpace) {
   MofReader reader(impl_->repository, nameSpace);
@@ -240,7 +244,9 @@ void Host::loadMofText(const std::string& text, const std::string& name,
   reader.loadText(text, name);
 }
 
-const ClassRepository& Host::repository() const { return impl_->repository; }
+const ClassRepository& Host::repository() const {
+  return impl_->repository;
+}
 
 void Host::registerProvider(const ProviderRegistration& registration,
                             const MiFactories& factories) {
@@ -303,7 +309,8 @@ void Host::activateProviders() {
   }
   std::string message;
   for (const std::string& refusal : refusals) {
-    message += (message.empty() ? "" : "\n") + refusal;
+    message += message.empty() ? "" : "\n";
+    message += refusal;
   }
   throw HostError(message);
 }
@@ -444,13 +451,21 @@ Reply Host::referenceNames(const std::string& pathText, const AssociationFilter&
   return Associate(*impl_, AssociationOp::kReferenceNames, pathText, filter);
 }
 
-void Host::captureLog(bool on, std::size_t bound) { impl_->log.capture(on, bound); }
+void Host::captureLog(bool on, std::size_t bound) {
+  impl_->log.capture(on, bound);
+}
 
-std::vector<LogRecord> Host::logRecords() const { return impl_->log.records(); }
+std::vector<LogRecord> Host::logRecords() const {
+  return impl_->log.records();
+}
 
-void Host::clearLog() { impl_->log.clear(); }
+void Host::clearLog() {
+  impl_->log.clear();
+}
 
-void Host::onLog(std::function<void(const LogRecord&)> sink) { impl_->log.setSink(std::move(sink)); }
+void Host::onLog(std::function<void(const LogRecord&)> sink) {
+  impl_->log.setSink(std::move(sink));
+}
 
 void Host::setClock(std::function<std::chrono::system_clock::time_point()> clock) {
   std::lock_guard<std::mutex> lock(impl_->clockMutex);

@@ -50,9 +50,9 @@ CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, 
   const PathData& where = object->path;
   std::shared_ptr<const ClassShape> shape = host->shapeOf(where.nameSpace, where.className);
   if (!shape) {
-    SetStatus(rc, CMPI_RC_ERR_INVALID_CLASS,
-              "class " + where.className + " is not declared in namespace '" + where.nameSpace +
-                  "'");
+    SetStatus(
+        rc, CMPI_RC_ERR_INVALID_CLASS,
+        "class " + where.className + " is not declared in namespace '" + where.nameSpace + "'");
     return nullptr;
   }
   InstanceData instance;
@@ -259,11 +259,11 @@ std::vector<std::string> FormatArguments(CMPICount count, va_list arguments) {
         texts.push_back(RealText(va_arg(arguments, double), false));
         break;
       case CMPI_boolean:
-        texts.push_back(va_arg(arguments, int) != 0 ? "true" : "false");
+        texts.emplace_back(va_arg(arguments, int) != 0 ? "true" : "false");
         break;
       case CMPI_chars: {
         const char* chars = va_arg(arguments, const char*);
-        texts.push_back(chars == nullptr ? "" : chars);
+        texts.emplace_back(chars == nullptr ? "" : chars);
         break;
       }
       case CMPI_string: {
@@ -303,8 +303,8 @@ CMPIString* MessageFrom(const CMPIBroker* broker, const char* defaultMessage, CM
       SetStatus(rc, CMPI_RC_ERR_INVALID_PARAMETER, "getMessage: the default message is null");
       return nullptr;
     }
-    return CreateInScope<StringObject>(rc,
-                                       FormatMessage(defaultMessage, FormatArguments(count, arguments)));
+    return CreateInScope<StringObject>(
+        rc, FormatMessage(defaultMessage, FormatArguments(count, arguments)));
   } catch (...) {
     SetStatus(rc, CMPI_RC_ERR_FAILED);
     return nullptr;

@@ -1,13 +1,13 @@
 // The broker's operating-system services, on POSIX threads. Handles are heap
 // objects owned by the provider that asked for them.
 #include <pthread.h>
-#include <time.h>
 
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <new>
 
 #include "broker/Broker.h"
@@ -76,7 +76,9 @@ int JoinThread(void* thread, void** result) {
 
 // Not behind a thunk: pthread_exit unwinds the thread, which no catch-all
 // or noexcept frame may stop.
-int ExitThread(void* result) { pthread_exit(result); }
+int ExitThread(void* result) {
+  pthread_exit(result);
+}
 
 int CancelThread(void* thread) {
   return thread == nullptr ? EINVAL : pthread_cancel(*static_cast<pthread_t*>(thread));
@@ -92,13 +94,12 @@ int ThreadSleep(CMPIUint32 milliseconds) {
 }
 
 // `once` starts at 0; 1 while the function runs, 2 once it has run.
-int ThreadOnce(int* once, void (*function)(void)) {
+int ThreadOnce(int* once, void (*function)()) {  // NOLINT(readability-non-const-parameter)
   if (once == nullptr || function == nullptr) {
     return EINVAL;
   }
   int expected = 0;
-  if (__atomic_compare_exchange_n(once, &expected, 1, false, __ATOMIC_ACQ_REL,
-                                  __ATOMIC_ACQUIRE)) {
+  if (__atomic_compare_exchange_n(once, &expected, 1, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE)) {
     function();
     __atomic_store_n(once, 2, __ATOMIC_RELEASE);
     return 0;
@@ -218,7 +219,8 @@ int TimedConditionWait(void* condition, void* mutex, struct timespec* until) {
 }
 
 int SignalCondition(void* condition) {
-  return condition == nullptr ? EINVAL : pthread_cond_signal(static_cast<pthread_cond_t*>(condition));
+  return condition == nullptr ? EINVAL
+                              : pthread_cond_signal(static_cast<pthread_cond_t*>(condition));
 }
 
 }  // namespace

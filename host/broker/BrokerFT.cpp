@@ -100,8 +100,8 @@ CMPIEnumeration* EnumerateInstances(const CMPIBroker* broker, const CMPIContext*
   return Enumerate(broker, path, properties, false, rc);
 }
 
-CMPIInstance* GetInstance(const CMPIBroker* broker, const CMPIContext*,
-                          const CMPIObjectPath* path, const char** properties, CMPIStatus* rc) {
+CMPIInstance* GetInstance(const CMPIBroker* broker, const CMPIContext*, const CMPIObjectPath* path,
+                          const char** properties, CMPIStatus* rc) {
   Host::Impl* host = HostFor(broker, rc);
   if (host == nullptr) {
     return nullptr;
@@ -192,8 +192,8 @@ Result NotOffered(const CMPIBroker* broker, CMPIStatus* rc) {
   }
 }
 
-CMPIObjectPath* CreateInstance(const CMPIBroker* broker, const CMPIContext*,
-                               const CMPIObjectPath*, const CMPIInstance*, CMPIStatus* rc) {
+CMPIObjectPath* CreateInstance(const CMPIBroker* broker, const CMPIContext*, const CMPIObjectPath*,
+                               const CMPIInstance*, CMPIStatus* rc) {
   return NotOffered<CMPIObjectPath*>(broker, rc);
 }
 
@@ -235,8 +235,8 @@ CMPIEnumeration* References(const CMPIBroker* broker, const CMPIContext*, const 
   return NotOffered<CMPIEnumeration*>(broker, rc);
 }
 
-CMPIEnumeration* ReferenceNames(const CMPIBroker* broker, const CMPIContext*,
-                                const CMPIObjectPath*, const char*, const char*, CMPIStatus* rc) {
+CMPIEnumeration* ReferenceNames(const CMPIBroker* broker, const CMPIContext*, const CMPIObjectPath*,
+                                const char*, const char*, CMPIStatus* rc) {
   return NotOffered<CMPIEnumeration*>(broker, rc);
 }
 

@@ -48,20 +48,21 @@ CMPIData GetNamedAt(const NamedValues& values, CMPICount index, CMPIString** nam
                     const char* what) {
   if (index >= values.size()) {
     SetStatus(rc, CMPI_RC_ERR_NO_SUCH_PROPERTY,
-              std::string(what) + " index " + std::to_string(index) + " is out of range (there are " +
-                  std::to_string(values.size()) + ")");
+              std::string(what) + " index " + std::to_string(index) +
+                  " is out of range (there are " + std::to_string(values.size()) + ")");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
   const NamedValue& item = values.items()[index];
-  if (name != nullptr) {
-    *name = CreateInScope<StringObject>(rc, item.name);
-  }
-  return ToCmpiData(item.value, rc);
+  const CMPIData data = ToCmpiData(item.value, rc);
+  NameOut(name, item.name, rc);
+  return data;
 }
 
 // --- CMPIArgs ---
 
-CMPIStatus ArgsRelease(CMPIArgs* args) { return ReleaseIfOurs(AsArgs(args)); }
+CMPIStatus ArgsRelease(CMPIArgs* args) {
+  return ReleaseIfOurs(AsArgs(args));
+}
 
 CMPIArgs* ArgsClone(const CMPIArgs* args, CMPIStatus* rc) {
   const ArgsObject* object = AsArgs(args);
@@ -114,7 +115,9 @@ CMPICount ArgsGetArgCount(const CMPIArgs* args, CMPIStatus* rc) {
 
 // --- CMPIContext ---
 
-CMPIStatus ContextRelease(CMPIContext* context) { return ReleaseIfOurs(AsContext(context)); }
+CMPIStatus ContextRelease(CMPIContext* context) {
+  return ReleaseIfOurs(AsContext(context));
+}
 
 CMPIContext* ContextClone(const CMPIContext* context, CMPIStatus* rc) {
   const ContextObject* object = AsContext(context);
@@ -178,7 +181,7 @@ CMPIEnumeration* EnumerationClone(const CMPIEnumeration* enumeration, CMPIStatus
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
     return nullptr;
   }
-  EnumerationObject* copy = CreateOwned<EnumerationObject>(rc, object->itemType, object->items);
+  auto* copy = CreateOwned<EnumerationObject>(rc, object->itemType, object->items);
   copy->next = object->next;
   return copy;
 }

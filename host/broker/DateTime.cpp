@@ -39,8 +39,8 @@ std::string FormatInterval(std::uint64_t micros) {
   char text[64];
   std::snprintf(text, sizeof text, "%08llu%02u%02u%02u.%06u:000",
                 static_cast<unsigned long long>(seconds / 86400),
-                static_cast<unsigned>(seconds / 3600 % 24), static_cast<unsigned>(seconds / 60 % 60),
-                static_cast<unsigned>(seconds % 60),
+                static_cast<unsigned>(seconds / 3600 % 24),
+                static_cast<unsigned>(seconds / 60 % 60), static_cast<unsigned>(seconds % 60),
                 static_cast<unsigned>(micros % kMicrosPerSecond));
   return text;
 }
@@ -115,9 +115,11 @@ std::optional<DateTime> ParseDateTime(const std::string& text) {
       seconds > 60) {
     return std::nullopt;
   }
-  const std::int64_t offset = static_cast<std::int64_t>(Field(text, 22, 3)) * (sign == '-' ? -1 : 1);
-  const std::int64_t utcSeconds = DaysFromCivil(year, month, day) * 86400 + hours * 3600 +
-                                  minutes * 60 + seconds - offset * 60;
+  const std::int64_t offset =
+      static_cast<std::int64_t>(Field(text, 22, 3)) * (sign == '-' ? -1 : 1);
+  const std::int64_t utcSeconds = DaysFromCivil(year, month, day) * 86400 +
+                                  static_cast<std::int64_t>(hours) * 3600 +
+                                  static_cast<std::int64_t>(minutes) * 60 + seconds - offset * 60;
   result.binary = static_cast<std::uint64_t>(utcSeconds * kMicrosPerSecond + micros);
   return result;
 }

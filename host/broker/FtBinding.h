@@ -82,7 +82,8 @@ struct Thunk<Impl, R (*)(A...)> {
   template <std::size_t... I>
   static R Invoke(std::index_sequence<I...>, A... args) {
     using ImplArgs = typename FnTraits<decltype(Impl)>::Args;
-    static_assert(sizeof...(I) == std::tuple_size_v<ImplArgs>, "entry and implementation differ in arity");
+    static_assert(sizeof...(I) == std::tuple_size_v<ImplArgs>,
+                  "entry and implementation differ in arity");
     if constexpr (std::is_void_v<R>) {
       Impl(AdaptValue<std::tuple_element_t<I, ImplArgs>>(args)...);
     } else {

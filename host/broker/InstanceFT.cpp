@@ -68,10 +68,9 @@ CMPIData InstanceGetPropertyAt(const CMPIInstance* instance, CMPICount index, CM
                   " properties)");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  if (name != nullptr) {
-    *name = CreateInScope<StringObject>(rc, properties[index].name);
-  }
-  return ToCmpiData(object->data.values[index], rc);
+  const CMPIData data = ToCmpiData(object->data.values[index], rc);
+  NameOut(name, properties[index].name, rc);
+  return data;
 }
 
 CMPICount InstanceGetPropertyCount(const CMPIInstance* instance, CMPIStatus* rc) {
@@ -101,14 +100,15 @@ CMPIStatus SetValue(InstanceData& data, const std::string& name, const CMPIValue
   }
   const PropertyShape& property = data.shape->properties[*index];
   if (type != CMPI_null && NormalizedType(type) != property.type) {
-    return MakeStatus(CMPI_RC_ERR_TYPE_MISMATCH,
-                      "property " + property.name + " of class " + data.shape->className +
-                          " is declared " + CmpiTypeName(property.type) + ", not " +
-                          CmpiTypeName(type));
+    return MakeStatus(CMPI_RC_ERR_TYPE_MISMATCH, "property " + property.name + " of class " +
+                                                     data.shape->className + " is declared " +
+                                                     CmpiTypeName(property.type) + ", not " +
+                                                     CmpiTypeName(type));
   }
   HostValue copy;
   std::string problem;
-  const CMPIrc rc = FromCmpiValue(type == CMPI_null ? nullptr : value, property.type, copy, problem);
+  const CMPIrc rc = type == CMPI_null ? FromCmpiValue(nullptr, property.type, copy, problem)
+                                      : FromCmpiValue(value, type, copy, problem);
   if (rc != CMPI_RC_OK) {
     return MakeStatus(rc, "property " + property.name + ": " + problem);
   }

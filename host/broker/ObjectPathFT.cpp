@@ -126,10 +126,9 @@ CMPIData PathGetKeyAt(const CMPIObjectPath* path, CMPICount index, CMPIString** 
                   std::to_string(keys.size()) + " keys)");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  if (name != nullptr) {
-    *name = CreateInScope<StringObject>(rc, keys[index].name);
-  }
-  return KeyData(keys[index].value, rc);
+  const CMPIData data = KeyData(keys[index].value, rc);
+  NameOut(name, keys[index].name, rc);
+  return data;
 }
 
 CMPICount PathGetKeyCount(const CMPIObjectPath* path, CMPIStatus* rc) {

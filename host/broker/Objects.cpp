@@ -66,7 +66,8 @@ namespace {
 
 template <typename Object, typename Cmpi, typename Table>
 Object* Downcast(const Cmpi* object, const Table& table) {
-  if (object == nullptr || static_cast<const void*>(object->ft) != static_cast<const void*>(&table)) {
+  if (object == nullptr ||
+      static_cast<const void*>(object->ft) != static_cast<const void*>(&table)) {
     return nullptr;
   }
   return static_cast<Object*>(const_cast<Cmpi*>(object));
@@ -82,7 +83,9 @@ const void* TableOf(const void* object) {
 const StringObject* AsString(const CMPIString* object) {
   return Downcast<StringObject>(object, kStringFT);
 }
-ArrayObject* AsArray(const CMPIArray* object) { return Downcast<ArrayObject>(object, kArrayFT); }
+ArrayObject* AsArray(const CMPIArray* object) {
+  return Downcast<ArrayObject>(object, kArrayFT);
+}
 const DateTimeObject* AsDateTime(const CMPIDateTime* object) {
   return Downcast<DateTimeObject>(object, kDateTimeFT);
 }
@@ -92,7 +95,9 @@ ObjectPathObject* AsObjectPath(const CMPIObjectPath* object) {
 InstanceObject* AsInstance(const CMPIInstance* object) {
   return Downcast<InstanceObject>(object, kInstanceFT);
 }
-ArgsObject* AsArgs(const CMPIArgs* object) { return Downcast<ArgsObject>(object, kArgsFT); }
+ArgsObject* AsArgs(const CMPIArgs* object) {
+  return Downcast<ArgsObject>(object, kArgsFT);
+}
 EnumerationObject* AsEnumeration(const CMPIEnumeration* object) {
   return Downcast<EnumerationObject>(object, kEnumerationFT);
 }
@@ -102,7 +107,9 @@ ContextObject* AsContext(const CMPIContext* object) {
 ResultObject* AsResult(const CMPIResult* object) {
   return Downcast<ResultObject>(object, kResultFT);
 }
-ErrorObject* AsError(const CMPIError* object) { return Downcast<ErrorObject>(object, kErrorFT); }
+ErrorObject* AsError(const CMPIError* object) {
+  return Downcast<ErrorObject>(object, kErrorFT);
+}
 SelectExpObject* AsSelectExp(const CMPISelectExp* object) {
   return Downcast<SelectExpObject>(object, kSelectExpFT);
 }
@@ -154,16 +161,11 @@ const char* TypeNameOf(const void* object) {
   }
   const void* table = TableOf(object);
   const std::pair<const void*, const char*> names[] = {
-      {&kStringFT, "CMPIString"},
-      {&kArrayFT, "CMPIArray"},
-      {&kDateTimeFT, "CMPIDateTime"},
-      {&kObjectPathFT, "CMPIObjectPath"},
-      {&kInstanceFT, "CMPIInstance"},
-      {&kArgsFT, "CMPIArgs"},
-      {&kEnumerationFT, "CMPIEnumeration"},
-      {&kContextFT, "CMPIContext"},
-      {&kResultFT, "CMPIResult"},
-      {&kErrorFT, "CMPIError"},
+      {&kStringFT, "CMPIString"},           {&kArrayFT, "CMPIArray"},
+      {&kDateTimeFT, "CMPIDateTime"},       {&kObjectPathFT, "CMPIObjectPath"},
+      {&kInstanceFT, "CMPIInstance"},       {&kArgsFT, "CMPIArgs"},
+      {&kEnumerationFT, "CMPIEnumeration"}, {&kContextFT, "CMPIContext"},
+      {&kResultFT, "CMPIResult"},           {&kErrorFT, "CMPIError"},
       {&kSelectExpFT, "CMPISelectExp"},
   };
   for (const auto& [candidate, name] : names) {
@@ -199,7 +201,7 @@ void SetStatus(CMPIStatus* out, CMPIrc rc, const std::string& message) {
 
 CMPIStatus NoScopeStatus() {
   // No scope can own a message now, so the message is one that is never freed.
-  static StringObject* const message = new StringObject(
+  static auto* const message = new StringObject(
       "cmpihost: no call scope is open on this thread; the broker creates objects only during "
       "an MI call, after attachThread, after mark, or inside a test's CallScope",
       true);
@@ -220,6 +222,17 @@ CMPIData NullData(CMPIType type, CMPIValueState state) {
   data.type = type;
   data.state = state;
   return data;
+}
+
+void NameOut(CMPIString** name, const std::string& text, CMPIStatus* rc) {
+  if (name == nullptr) {
+    return;
+  }
+  CMPIStatus made;
+  *name = CreateInScope<StringObject>(&made, text);
+  if (*name == nullptr && rc != nullptr && rc->rc == CMPI_RC_OK) {
+    *rc = made;
+  }
 }
 
 namespace {
@@ -285,10 +298,6 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
       out.text = string->chars;
       return CMPI_RC_OK;
     }
-    case CMPI_chars:
-      out.type = CMPI_string;
-      out.text = value.chars;
-      return CMPI_RC_OK;
     case CMPI_dateTime: {
       const DateTimeObject* dateTime = AsDateTime(value.dateTime);
       if (dateTime == nullptr) {
@@ -328,8 +337,6 @@ const void* ObjectPointer(const CMPIValue& value, CMPIType type) {
   switch (type) {
     case CMPI_string:
       return value.string;
-    case CMPI_chars:
-      return value.chars;
     case CMPI_dateTime:
       return value.dateTime;
     case CMPI_ref:
@@ -345,7 +352,16 @@ const void* ObjectPointer(const CMPIValue& value, CMPIType type) {
 
 CMPIrc FromCmpiValue(const CMPIValue* value, CMPIType type, HostValue& out, std::string& problem) {
   out = HostValue::Null(NormalizedType(type));
-  if (type == CMPI_null || value == nullptr || ObjectPointer(*value, type) == nullptr) {
+  if (type == CMPI_null || value == nullptr) {
+    return CMPI_RC_OK;
+  }
+  if (type == CMPI_chars) {
+    // By CMPI's convention the value pointer of CMPI_chars is the C string itself.
+    out.null = false;
+    out.text = reinterpret_cast<const char*>(value);
+    return CMPI_RC_OK;
+  }
+  if (ObjectPointer(*value, type) == nullptr) {
     return CMPI_RC_OK;
   }
   if ((type & CMPI_ARRAY) == 0) {

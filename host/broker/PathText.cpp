@@ -21,8 +21,12 @@ class ValueProblem : public std::runtime_error {
   throw HostError("path text '" + text + "': column " + std::to_string(column) + ": " + problem);
 }
 
-bool IsNameStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_'; }
-bool IsNameChar(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
+bool IsNameStart(char c) {
+  return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+bool IsNameChar(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
 
 std::string Trimmed(const std::string& text) {
   const std::size_t first = text.find_first_not_of(" \t");
@@ -370,8 +374,9 @@ PathSyntax ParsePathSyntax(const std::string& text) {
       return syntax;
     }
     if (text[pos] != ',') {
-      Fail(text, pos + 1, "expected ',' or the end of the text after the value of '" +
-                              syntax.keys.back().name + "'");
+      Fail(text, pos + 1,
+           "expected ',' or the end of the text after the value of '" + syntax.keys.back().name +
+               "'");
     }
     ++pos;
   }
@@ -417,8 +422,8 @@ PathData ParsePath(const std::string& text, const std::string& defaultNameSpace,
   return TypePath(ParsePathSyntax(text), text, defaultNameSpace, lookup);
 }
 
-HostValue ValueFromText(const std::string& text, CMPIType type,
-                        const std::string& defaultNameSpace, const ShapeLookup& lookup) {
+HostValue ValueFromText(const std::string& text, CMPIType type, const std::string& defaultNameSpace,
+                        const ShapeLookup& lookup) {
   try {
     return Convert(text, Form::kPlain, NormalizedType(type), defaultNameSpace, lookup);
   } catch (const ValueProblem& problem) {

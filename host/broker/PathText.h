@@ -53,8 +53,8 @@ PathData ParsePath(const std::string& text, const std::string& defaultNameSpace,
 // code): strings taken as they are, others read by type; arrays as
 // comma-separated elements, optionally in braces, elements optionally quoted.
 // Throws HostError naming the problem.
-HostValue ValueFromText(const std::string& text, CMPIType type,
-                        const std::string& defaultNameSpace, const ShapeLookup& lookup);
+HostValue ValueFromText(const std::string& text, CMPIType type, const std::string& defaultNameSpace,
+                        const ShapeLookup& lookup);
 
 // A MOF constant as a value of the declared type; nullopt when it does not fit.
 std::optional<HostValue> ValueFromMof(const MofValue& value, CMPIType type,

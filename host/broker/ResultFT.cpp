@@ -72,8 +72,9 @@ CMPIStatus ResultReturnObjectPath(const CMPIResult* result, const CMPIObjectPath
   }
   const ObjectPathObject* object = AsObjectPath(path);
   if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_PARAMETER,
-                      "returnObjectPath: not an object path of this broker (null or foreign handle)");
+    return MakeStatus(
+        CMPI_RC_ERR_INVALID_PARAMETER,
+        "returnObjectPath: not an object path of this broker (null or foreign handle)");
   }
   ResultRecord record;
   record.kind = ResultRecord::Kind::kObjectPath;

@@ -12,7 +12,9 @@ thread_local std::vector<Scope*> tScopes;
 
 }  // namespace
 
-Scope::Scope() { tScopes.push_back(this); }
+Scope::Scope() {
+  tScopes.push_back(this);
+}
 
 Scope::~Scope() {
   // Usually the top of the stack; a scope closed out of order (a provider
@@ -33,9 +35,13 @@ Scope::~Scope() {
   }
 }
 
-Scope* Scope::Current() { return tScopes.empty() ? nullptr : tScopes.back(); }
+Scope* Scope::Current() {
+  return tScopes.empty() ? nullptr : tScopes.back();
+}
 
-std::size_t OpenScopeCount() { return tScopes.size(); }
+std::size_t OpenScopeCount() {
+  return tScopes.size();
+}
 
 void Scope::adopt(HostObject* object) {
   std::lock_guard<std::mutex> lock(mutex_);
@@ -125,7 +131,7 @@ void ReleaseObject(HostObject* object) {
   if (object == nullptr) {
     return;
   }
-  if (Scope* scope = object->scope_) {
+  if (Scope* scope = object->scope()) {
     scope->forget(object);
   }
   delete object;

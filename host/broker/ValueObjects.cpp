@@ -157,14 +157,15 @@ CMPIStatus ArraySetElementAt(CMPIArray* array, CMPICount index, const CMPIValue*
   }
   const CMPIType given = type == CMPI_chars ? CMPI_string : type;
   if (given != object->elementType && type != CMPI_null) {
-    return MakeStatus(CMPI_RC_ERR_TYPE_MISMATCH,
-                      "a " + CmpiTypeName(type) + " element given for an array of " +
-                          CmpiTypeName(object->elementType));
+    return MakeStatus(CMPI_RC_ERR_TYPE_MISMATCH, "a " + CmpiTypeName(type) +
+                                                     " element given for an array of " +
+                                                     CmpiTypeName(object->elementType));
   }
   HostValue element;
   std::string problem;
-  const CMPIrc rc = FromCmpiValue(value, type == CMPI_null ? object->elementType : type, element,
-                                  problem);
+  const CMPIrc rc = type == CMPI_null
+                        ? FromCmpiValue(nullptr, object->elementType, element, problem)
+                        : FromCmpiValue(value, type, element, problem);
   if (rc != CMPI_RC_OK) {
     return MakeStatus(rc, problem);
   }

@@ -33,11 +33,11 @@ struct HostValue {
 
   static HostValue Null(CMPIType type);
   static HostValue String(std::string text);
-  static HostValue Boolean(bool value);
-  static HostValue Unsigned(CMPIType type, std::uint64_t value);
-  static HostValue Signed(CMPIType type, std::int64_t value);
-  static HostValue Real(CMPIType type, double value);
-  static HostValue Date(DateTime value);
+  static HostValue Boolean(bool flag);
+  static HostValue Unsigned(CMPIType type, std::uint64_t number);
+  static HostValue Signed(CMPIType type, std::int64_t number);
+  static HostValue Real(CMPIType type, double number);
+  static HostValue Date(DateTime dateTime);
   static HostValue Reference(PathData path);
 };
 
@@ -85,8 +85,8 @@ struct ClassShape {
 
 struct InstanceData {
   std::shared_ptr<const ClassShape> shape;
-  std::string host;       // of the path the instance was created with
-  std::string nameSpace;  // of the path the instance was created with
+  std::string host;               // of the path the instance was created with
+  std::string nameSpace;          // of the path the instance was created with
   std::vector<HostValue> values;  // parallel to shape->properties
   // setPropertyFilter: when set, only these names (and keys) may be set.
   std::optional<std::vector<std::string>> filter;

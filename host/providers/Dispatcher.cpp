@@ -115,7 +115,8 @@ void* CallFactory(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::s
         mi = CallLibrary(kind, namedSymbol, false, &host.broker, context, provider.name.c_str(),
                          &status);
       } else {
-        refusal = "library " + provider.libraryPath + " exports neither " + generic + " nor " + named;
+        refusal =
+            "library " + provider.libraryPath + " exports neither " + generic + " nor " + named;
         return nullptr;
       }
     } else {
@@ -177,7 +178,7 @@ void CallProvider(Host::Impl& host, const PathData& path, Gathered& gathered, Ca
   Scope scope;
   const ContextObject* context =
       CreateInScope<ContextObject>(nullptr, host.contextEntries(path.nameSpace));
-  ResultObject* result = CreateInScope<ResultObject>(nullptr);
+  auto* result = CreateInScope<ResultObject>(nullptr);
   const ObjectPathObject* objectPath = CreateInScope<ObjectPathObject>(nullptr, path);
   CMPIStatus status;
   try {
@@ -202,8 +203,7 @@ ProviderEntry* NearestProvider(Host::Impl& host, const std::string& nameSpace,
                                const std::string& className, MiKind kind) {
   std::string current = className;
   for (int depth = 0; !current.empty() && depth < 256; ++depth) {
-    const std::vector<ProviderEntry*> providers =
-        host.providers.forClass(nameSpace, current, kind);
+    const std::vector<ProviderEntry*> providers = host.providers.forClass(nameSpace, current, kind);
     if (!providers.empty()) {
       return providers.front();
     }
@@ -228,13 +228,10 @@ bool SameKeys(const PathData& a, const PathData& b) {
   if (a.keys.size() != b.keys.size()) {
     return false;
   }
-  for (const NamedValue& key : a.keys.items()) {
+  return std::all_of(a.keys.items().begin(), a.keys.items().end(), [&](const NamedValue& key) {
     const NamedValue* other = b.keys.find(key.name);
-    if (other == nullptr || !SameValue(key.value, other->value)) {
-      return false;
-    }
-  }
-  return true;
+    return other != nullptr && SameValue(key.value, other->value);
+  });
 }
 
 HostValue InstanceValue(InstanceData data) {
@@ -261,7 +258,8 @@ Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& 
     gathered.status = UnknownClass(path.nameSpace, path.className);
     return gathered;
   }
-  ProviderEntry* provider = NearestProvider(host, path.nameSpace, path.className, MiKind::kInstance);
+  ProviderEntry* provider =
+      NearestProvider(host, path.nameSpace, path.className, MiKind::kInstance);
   if (provider == nullptr) {
     gathered.status = NoProvider(MiKind::kInstance, path);
     return gathered;
@@ -313,8 +311,8 @@ std::vector<std::string> ActivateAll(Host::Impl& host) {
   for (const auto& [provider, kind] : host.providers.allKinds()) {
     std::string refusal;
     if (ActivateMi(host, *provider, kind, refusal) == nullptr) {
-      refusals.push_back("provider " + provider->name + ", " + MiKindName(kind) + " MI: " +
-                         refusal);
+      refusals.push_back("provider " + provider->name + ", " + MiKindName(kind) +
+                         " MI: " + refusal);
     }
   }
   return refusals;
@@ -418,7 +416,8 @@ Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
         return gathered;
       }
     }
-    for (const StaticInstance* instance : host.repository.staticInstances(nameSpace, decl->name())) {
+    for (const StaticInstance* instance :
+         host.repository.staticInstances(nameSpace, decl->name())) {
       gathered.served = true;
       InstanceData data = BuildStaticInstance(host, nameSpace, *instance);
       if (namesOnly) {
@@ -431,9 +430,9 @@ Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
     }
   }
   if (!gathered.served) {
-    gathered.status =
-        Failure(CMPI_RC_ERR_NOT_SUPPORTED, "no provider serves class " + classPath.className +
-                                               " or its subclasses, and it has no static instances");
+    gathered.status = Failure(CMPI_RC_ERR_NOT_SUPPORTED,
+                              "no provider serves class " + classPath.className +
+                                  " or its subclasses, and it has no static instances");
   }
   return gathered;
 }
@@ -445,8 +444,8 @@ Gathered DispatchGetInstance(Host::Impl& host, const PathData& path,
       NearestProvider(host, path.nameSpace, path.className, MiKind::kInstance) == nullptr) {
     // No provider: the MOF's static instances answer.
     Gathered gathered;
-    for (const StaticInstance* instance : host.repository.staticInstances(path.nameSpace,
-                                                                         decl->name())) {
+    for (const StaticInstance* instance :
+         host.repository.staticInstances(path.nameSpace, decl->name())) {
       InstanceData data = BuildStaticInstance(host, path.nameSpace, *instance);
       if (SameKeys(data.objectPath(), path)) {
         gathered.served = true;
@@ -543,9 +542,9 @@ Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const st
     }
   }
   if (!gathered.served) {
-    gathered.status = Failure(CMPI_RC_ERR_NOT_SUPPORTED, "no provider serves class " +
-                                                             classPath.className +
-                                                             " or its subclasses");
+    gathered.status =
+        Failure(CMPI_RC_ERR_NOT_SUPPORTED,
+                "no provider serves class " + classPath.className + " or its subclasses");
   }
   return gathered;
 }
@@ -567,19 +566,18 @@ Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std:
   if (mi == nullptr) {
     return gathered;
   }
-  CallProvider(host, path, gathered,
-               [&](const CMPIContext* context, const CMPIResult* result,
-                   const CMPIObjectPath* objectPath) {
-                 const ArgsObject* inArgs = CreateInScope<ArgsObject>(nullptr, in);
-                 ArgsObject* outArgs = CreateInScope<ArgsObject>(nullptr);
-                 const CMPIStatus status =
-                     mi->ft->invokeMethod == nullptr
-                         ? Missing(*provider, MiKind::kMethod, "invokeMethod")
-                         : mi->ft->invokeMethod(mi, context, result, objectPath, method.c_str(),
-                                                inArgs, outArgs);
-                 gathered.outArguments = outArgs->args;
-                 return status;
-               });
+  CallProvider(
+      host, path, gathered,
+      [&](const CMPIContext* context, const CMPIResult* result, const CMPIObjectPath* objectPath) {
+        const ArgsObject* inArgs = CreateInScope<ArgsObject>(nullptr, in);
+        auto* outArgs = CreateInScope<ArgsObject>(nullptr);
+        const CMPIStatus status = mi->ft->invokeMethod == nullptr
+                                      ? Missing(*provider, MiKind::kMethod, "invokeMethod")
+                                      : mi->ft->invokeMethod(mi, context, result, objectPath,
+                                                             method.c_str(), inArgs, outArgs);
+        gathered.outArguments = outArgs->args;
+        return status;
+      });
   return gathered;
 }
 
@@ -611,10 +609,10 @@ Gathered DispatchAssociation(Host::Impl& host, AssociationOp op, const PathData&
     providers = host.providers.inNamespace(path.nameSpace, MiKind::kAssociation);
   }
   if (providers.empty()) {
-    gathered.status = Failure(CMPI_RC_ERR_NOT_SUPPORTED,
-                              "no Association provider serves " +
-                                  (filter.assocClass ? "class " + *filter.assocClass
-                                                     : "namespace " + path.nameSpace));
+    gathered.status = Failure(
+        CMPI_RC_ERR_NOT_SUPPORTED,
+        "no Association provider serves " +
+            (filter.assocClass ? "class " + *filter.assocClass : "namespace " + path.nameSpace));
     return gathered;
   }
   gathered.served = true;
@@ -624,40 +622,39 @@ Gathered DispatchAssociation(Host::Impl& host, AssociationOp op, const PathData&
     if (mi == nullptr) {
       return gathered;
     }
-    CallProvider(host, path, gathered,
-                 [&](const CMPIContext* context, const CMPIResult* result,
-                     const CMPIObjectPath* objectPath) {
-                   const auto& ft = *mi->ft;
-                   switch (op) {
-                     case AssociationOp::kAssociators:
-                       return ft.associators == nullptr
-                                  ? Missing(*provider, MiKind::kAssociation, "associators")
-                                  : ft.associators(mi, context, result, objectPath,
-                                                   OrNull(filter.assocClass),
-                                                   OrNull(filter.resultClass), OrNull(filter.role),
-                                                   OrNull(filter.resultRole), propertyArray.get());
-                     case AssociationOp::kAssociatorNames:
-                       return ft.associatorNames == nullptr
-                                  ? Missing(*provider, MiKind::kAssociation, "associatorNames")
-                                  : ft.associatorNames(mi, context, result, objectPath,
-                                                       OrNull(filter.assocClass),
-                                                       OrNull(filter.resultClass),
-                                                       OrNull(filter.role), OrNull(filter.resultRole));
-                     case AssociationOp::kReferences:
-                       return ft.references == nullptr
-                                  ? Missing(*provider, MiKind::kAssociation, "references")
-                                  : ft.references(mi, context, result, objectPath,
-                                                  OrNull(filter.resultClass), OrNull(filter.role),
-                                                  propertyArray.get());
-                     case AssociationOp::kReferenceNames:
-                       return ft.referenceNames == nullptr
-                                  ? Missing(*provider, MiKind::kAssociation, "referenceNames")
-                                  : ft.referenceNames(mi, context, result, objectPath,
-                                                      OrNull(filter.resultClass),
-                                                      OrNull(filter.role));
-                   }
-                   return Missing(*provider, MiKind::kAssociation, "?");
-                 });
+    CallProvider(
+        host, path, gathered,
+        [&](const CMPIContext* context, const CMPIResult* result,
+            const CMPIObjectPath* objectPath) {
+          const auto& ft = *mi->ft;
+          switch (op) {
+            case AssociationOp::kAssociators:
+              return ft.associators == nullptr
+                         ? Missing(*provider, MiKind::kAssociation, "associators")
+                         : ft.associators(mi, context, result, objectPath,
+                                          OrNull(filter.assocClass), OrNull(filter.resultClass),
+                                          OrNull(filter.role), OrNull(filter.resultRole),
+                                          propertyArray.get());
+            case AssociationOp::kAssociatorNames:
+              return ft.associatorNames == nullptr
+                         ? Missing(*provider, MiKind::kAssociation, "associatorNames")
+                         : ft.associatorNames(mi, context, result, objectPath,
+                                              OrNull(filter.assocClass), OrNull(filter.resultClass),
+                                              OrNull(filter.role), OrNull(filter.resultRole));
+            case AssociationOp::kReferences:
+              return ft.references == nullptr
+                         ? Missing(*provider, MiKind::kAssociation, "references")
+                         : ft.references(mi, context, result, objectPath,
+                                         OrNull(filter.resultClass), OrNull(filter.role),
+                                         propertyArray.get());
+            case AssociationOp::kReferenceNames:
+              return ft.referenceNames == nullptr
+                         ? Missing(*provider, MiKind::kAssociation, "referenceNames")
+                         : ft.referenceNames(mi, context, result, objectPath,
+                                             OrNull(filter.resultClass), OrNull(filter.role));
+          }
+          return Missing(*provider, MiKind::kAssociation, "?");
+        });
     if (gathered.status.rc != CMPI_RC_OK) {
       return gathered;
     }

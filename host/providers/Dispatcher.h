@@ -22,7 +22,7 @@ struct Gathered {
   Status status;
   std::vector<ResultRecord> records;
   unsigned providerCalls = 0;
-  bool served = false;     // some provider or static instance answered for the class
+  bool served = false;       // some provider or static instance answered for the class
   NamedValues outArguments;  // invokeMethod
 };
 

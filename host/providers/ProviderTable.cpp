@@ -36,8 +36,7 @@ ProviderEntry& ProviderTable::add(const ProviderRegistration& registration,
     if (existing->name == registration.providerName) {
       if (existing->libraryPath != libraryPath ||
           (library == nullptr && !SameFactories(existing->factories, factories))) {
-        throw HostError("provider " + registration.providerName +
-                        " is already registered with " +
+        throw HostError("provider " + registration.providerName + " is already registered with " +
                         (existing->libraryPath.empty() ? std::string("other in-process factories")
                                                        : "library " + existing->libraryPath));
       }
@@ -113,12 +112,18 @@ std::vector<ProviderEntry*> ProviderTable::inNamespace(const std::string& nameSp
   if (classes == bindings_.end()) {
     return providers;
   }
-  for (const auto& [className, bindings] : classes->second) {
-    for (const Binding& binding : bindings) {
-      if (binding.kinds[static_cast<std::size_t>(kind)] &&
-          std::find(providers.begin(), providers.end(), binding.provider) == providers.end()) {
-        providers.push_back(binding.provider);
-      }
+  // In registration order, whatever classes they serve.
+  for (const auto& entry : entries_) {
+    const bool serves =
+        std::any_of(classes->second.begin(), classes->second.end(), [&](const auto& classBindings) {
+          return std::any_of(classBindings.second.begin(), classBindings.second.end(),
+                             [&](const Binding& binding) {
+                               return binding.provider == entry.get() &&
+                                      binding.kinds[static_cast<std::size_t>(kind)];
+                             });
+        });
+    if (serves) {
+      providers.push_back(entry.get());
     }
   }
   return providers;

@@ -54,7 +54,8 @@ class ProviderTable {
   // The providers bound to exactly this class for this kind, in registration order.
   std::vector<ProviderEntry*> forClass(const std::string& nameSpace, const std::string& className,
                                        MiKind kind) const;
-  // Every provider of this kind bound to any class of the namespace, once each.
+  // Every provider of this kind bound to any class of the namespace, once
+  // each, in registration order.
   std::vector<ProviderEntry*> inNamespace(const std::string& nameSpace, MiKind kind) const;
   // Every provider with the kinds it was registered for.
   std::vector<std::pair<ProviderEntry*, MiKind>> allKinds() const;

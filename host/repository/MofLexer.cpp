@@ -143,7 +143,7 @@ void MofLexer::skipSpaceAndComments() {
       pos_ += 2;
       for (;;) {
         if (atEnd()) {
-          fail(start, "unterminated comment: no \"*/\" closes this \"/*\"");
+          fail(start, R"(unterminated comment: no "*/" closes this "/*")");
         }
         const char inner = peek();
         if (inner == '*' && peek(1) == '/') {
@@ -252,7 +252,8 @@ void MofLexer::lexNumber(Token& token) {
       ++pos_;
     }
     const std::string_view digits = text_.substr(digitsStart, pos_ - digitsStart);
-    const bool binaryDigits = !digits.empty() && digits.find_first_not_of("01") == digits.npos;
+    const bool binaryDigits =
+        !digits.empty() && digits.find_first_not_of("01") == std::string_view::npos;
     if (peek() == '.' && IsDigit(peek(1))) {
       ++pos_;
       while (IsDigit(peek())) {
@@ -350,7 +351,7 @@ void MofLexer::lexEscape(std::string& out) {
     }
     default:
       fail(start, "unknown escape sequence \\" + std::string(1, c) +
-                      " (known: \\b \\t \\n \\f \\r \\\" \\' \\\\ \\xHHHH)");
+                      R"( (known: \b \t \n \f \r \" \' \\ \xHHHH))");
   }
 }
 
@@ -421,7 +422,7 @@ void MofLexer::lexChar16(Token& token) {
   if (peek() != '\'') {
     const std::size_t lineEnd = text_.find_first_of("\r\n", pos_);
     const std::size_t close = text_.find('\'', pos_);
-    if (close == text_.npos || close > lineEnd) {
+    if (close == std::string_view::npos || close > lineEnd) {
       fail(start, "unterminated char16 literal");
     }
     fail(start, "char16 literal holds more than one character");

@@ -101,8 +101,8 @@ std::optional<MofProduction> MofParser::next() {
   if (atKeyword("instance")) {
     return parseInstance(std::move(qualifiers));
   }
-  failExpected(qualifiers.empty() ? "\"class\", \"instance\", \"qualifier\" or \"#pragma\""
-                                  : "\"class\" or \"instance\" after the qualifier list");
+  failExpected(qualifiers.empty() ? R"("class", "instance", "qualifier" or "#pragma")"
+                                  : R"("class" or "instance" after the qualifier list)");
 }
 
 RawPragma MofParser::parsePragma() {

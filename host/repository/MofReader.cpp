@@ -51,7 +51,7 @@ std::string ReadWholeFile(const std::string& path, std::string& contents) {
   if (std::ferror(file.get()) != 0) {
     return "read error";
   }
-  return std::string();
+  return {};
 }
 
 // The one string argument that "#pragma include" and "#pragma namespace" take.

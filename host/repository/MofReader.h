@@ -1,6 +1,17 @@
 // Reads MOF text into a ClassRepository: qualifier declarations, classes,
-// instances, "#pragma include" and "#pragma namespace". A file either loads
-// whole or not at all.
+// instances, "#pragma include" and "#pragma namespace". A load (one call,
+// with everything it includes) either goes in whole or not at all.
+//
+// Beyond syntax it refuses what a CIMOM would refuse: qualifiers used
+// without a declaration in the namespace or outside their scope, values that
+// do not fit the declared type, overrides of nothing or with another type,
+// references outside associations, instances of abstract classes, instances
+// without their keys, duplicate classes, instances and aliases.
+//
+// An included file is read in place: a "#pragma namespace" inside it holds
+// for what follows the include too. Aliases ($name) are known from their
+// "instance of ... as $name" to the end of the same load. Positions are
+// 1-based, columns count bytes.
 #ifndef CMPIHOST_REPOSITORY_MOFREADER_H_
 #define CMPIHOST_REPOSITORY_MOFREADER_H_
 
@@ -19,7 +30,8 @@ class MofError : public std::runtime_error {
   unsigned line() const { return line_; }
   unsigned column() const { return column_; }
   const std::string& problem() const { return problem_; }
-  // what(): "file:line:column: problem"
+  // what(): "file:line:column: problem". A file that cannot be read at
+  // all has line and column 0; a missing include is reported at its pragma.
 
  private:
   std::string file_;

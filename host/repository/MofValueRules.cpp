@@ -130,7 +130,7 @@ std::optional<std::string> ConformScalar(MofValue& value, const TypeDecl& type) 
     case CimType::kReal32:
     case CimType::kReal64:
       if (value.kind == Kind::kInteger) {
-        const double magnitude = static_cast<double>(value.integer);
+        const auto magnitude = static_cast<double>(value.integer);
         value.real = value.negative ? -magnitude : magnitude;
         value.kind = Kind::kReal;
         value.integer = 0;
@@ -228,7 +228,7 @@ std::string PathValueText(const MofValue& value) {
     case Kind::kReal: {
       std::array<char, 32> buffer{};
       const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value.real);
-      return std::string(buffer.data(), result.ptr);
+      return {buffer.data(), result.ptr};
     }
     case Kind::kString:
     case Kind::kChar16:

@@ -39,7 +39,7 @@ std::string AsciiLowered(std::string_view name) {
 
 std::size_t NoCaseHash::operator()(std::string_view name) const {
   // FNV-1a over the lower-cased bytes: cheap, and names are short.
-  std::size_t hash = static_cast<std::size_t>(14695981039346656037ULL);
+  auto hash = static_cast<std::size_t>(14695981039346656037ULL);
   for (const char c : name) {
     hash ^= static_cast<unsigned char>(AsciiLower(c));
     hash *= static_cast<std::size_t>(1099511628211ULL);

@@ -1,5 +1,5 @@
 // Every bad input gives one MofError naming the file, line, column and the
-// specific problem, and leaves the repository as it was before the load.
+// exact problem, and leaves the repository as it was before the load.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,12 +12,14 @@ namespace {
 
 constexpr const char* kNamespace = "root/test";
 
-const std::string kBase = std::string(testing::kQualifierDecls) + R"(
+std::string Base() {
+  return std::string(testing::kQualifierDecls) + R"(
 [Abstract] class Test_Element { [Key] string Id; uint16 Count = 3; };
 class Test_Thing : Test_Element { };
 [Association] class Test_Link { [Key] Test_Element REF Left; [Key] Test_Element REF Right; };
 instance of Test_Thing as $known { Id = "known"; };
 )";
+}
 
 struct BadInput {
   const char* what;
@@ -83,6 +85,8 @@ std::vector<BadInput> BadInputs() {
        "unknown escape sequence \\q (known: \\b \\t \\n \\f \\r \\\" \\' \\\\ \\xHHHH)"},
       {"integer out of range", AfterGoodLine("class Bad { uint8 Small = 256; };"), 2, 27,
        "default of property \"Small\": 256 is out of range for uint8"},
+      {"one past the signed maximum", AfterGoodLine("class Bad { sint8 X = 128; };"), 2, 23,
+       "default of property \"X\": 128 is out of range for sint8"},
       {"negative unsigned", AfterGoodLine("class Bad { uint32 U = -1; };"), 2, 24,
        "default of property \"U\": -1 is out of range for uint32"},
       {"integer beyond 64 bits", AfterGoodLine("class Bad { uint64 Big = 18446744073709551616; };"),
@@ -171,7 +175,7 @@ std::vector<BadInput> BadInputs() {
 TEST(MofReaderErrorTest, EachBadInputNamesItsPlaceAndProblemAndChangesNothing) {
   ClassRepository repository;
   MofReader reader(repository, kNamespace);
-  reader.loadText(kBase, "base.mof");
+  reader.loadText(Base(), "base.mof");
   const std::size_t classCount = repository.classes(kNamespace).size();
   const std::vector<std::string> namespaces = repository.namespaces();
 
@@ -199,9 +203,9 @@ TEST(MofReaderErrorTest, EachBadInputNamesItsPlaceAndProblemAndChangesNothing) {
 TEST(MofReaderErrorTest, LoadingTheSameTextTwiceFailsOnTheFirstRepeatedClass) {
   ClassRepository repository;
   MofReader reader(repository, kNamespace);
-  reader.loadText(kBase, "base.mof");
+  reader.loadText(Base(), "base.mof");
   try {
-    reader.loadText(kBase, "again.mof");
+    reader.loadText(Base(), "again.mof");
     FAIL() << "loaded twice";
   } catch (const MofError& error) {
     EXPECT_EQ(error.line(), 17u);  // after the 15 lines of qualifier declarations

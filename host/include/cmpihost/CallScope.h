@@ -1,8 +1,11 @@
 // The memory scope of one MI call. Every CMPI object a broker function
 // creates on this thread while the scope is open belongs to it and is freed
-// when it closes (or earlier by its release). Scopes nest; the host opens one
+// when it closes (or earlier by its release); clone() gives objects that
+// belong to the caller until released. Scopes nest; the host opens one
 // around every MI call and factory call, and tests open one to call library
-// code directly.
+// code directly. With no scope open on a thread the broker makes no object:
+// it answers null with CMPI_RC_ERR_FAILED and a message saying so (a
+// provider's own thread gets a scope from attachThread, or from mark).
 #ifndef CMPIHOST_CALLSCOPE_H_
 #define CMPIHOST_CALLSCOPE_H_
 
@@ -35,8 +38,9 @@ class CallScope {
 
   // An object path parsed from text such as
   // `//host/root/cimv2:CIM_Foo.Name="a",Count=5`; keys are typed from the
-  // class declaration. Null when the text does not parse.
-  CMPIObjectPath* objectPath(const std::string& pathText);
+  // class declaration (for an unknown class, from the literals). Null when
+  // the text does not parse; `problem`, when given, then says why.
+  CMPIObjectPath* objectPath(const std::string& pathText, std::string* problem = nullptr);
   // A result that records every call made on it.
   CMPIResult* newResult();
   // What a result made by newResult() has recorded so far.

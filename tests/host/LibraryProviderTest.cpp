@@ -1,0 +1,178 @@
+// Providers in shared libraries: both factory symbol forms (generic first),
+// refusals, and registration files in the small-footprint CIMOM's format,
+// bad ones answered with file, line and problem and registering nothing.
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+
+#include "HostTestSupport.h"
+
+namespace cmpihost::testing {
+namespace {
+
+const std::string kProviderDir = HOST_TEST_PROVIDER_DIR;
+
+ProviderRegistration KeyedRegistration(const char* name) {
+  ProviderRegistration registration;
+  registration.providerName = name;
+  registration.classNames = {"Test_Keyed"};
+  registration.instance = true;
+  return registration;
+}
+
+class LibraryProviderTest : public HostTest {
+ protected:
+  ~LibraryProviderTest() override {
+    for (const std::string& file : files_) {
+      std::remove(file.c_str());
+    }
+  }
+
+  // A registration file with `text`, in a fresh file.
+  std::string registrationFile(const std::string& text) {
+    char name[] = "/tmp/cmpihost-regXXXXXX";
+    const int fd = mkstemp(name);
+    close(fd);
+    std::ofstream(name) << text;
+    files_.emplace_back(name);
+    return name;
+  }
+
+  std::vector<std::string> notes(const Reply& reply) {
+    std::vector<std::string> found;
+    for (const InstanceSnapshot& instance : reply.instances()) {
+      found.push_back(instance.find("Note")->text);
+    }
+    return found;
+  }
+
+  std::vector<std::string> files_;
+};
+
+TEST_F(LibraryProviderTest, AProviderSpecificFactoryIsFoundByTheProviderName) {
+  host_.registerLibraryProvider(KeyedRegistration("TestNamed"), kProviderDir + "/libtestnamed.so");
+  const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Keyed");
+  EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
+  EXPECT_EQ(notes(reply), (std::vector<std::string>{"named", "named"}));
+  EXPECT_EQ(reply.instances()[1].path, R"(root/cimv2:Test_Keyed.Flag=TRUE,Name="n2",Number=2)");
+  EXPECT_EQ(host_.enumerateInstanceNames("root/cimv2", "Test_Keyed").paths().size(), 2u);
+}
+
+TEST_F(LibraryProviderTest, TheGenericFactoryIsTriedFirstAndGetsTheProviderName) {
+  host_.registerLibraryProvider(KeyedRegistration("TestGeneric"),
+                                kProviderDir + "/libtestgeneric.so");
+  const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Keyed");
+  EXPECT_EQ(notes(reply), (std::vector<std::string>{"generic:TestGeneric", "generic:TestGeneric"}));
+}
+
+TEST_F(LibraryProviderTest, RefusingFactoriesAreReportedByKindAndReason) {
+  ProviderRegistration registration = KeyedRegistration("TestRefusing");
+  registration.method = true;
+  registration.association = true;
+  host_.registerLibraryProvider(registration, kProviderDir + "/libtestrefusing.so");
+  const Reply reply = host_.getInstance(R"(Test_Keyed.Name="x")");
+  EXPECT_EQ(reply.status.rc, CMPI_RC_ERR_FAILED);
+  EXPECT_EQ(
+      reply.status.message,
+      "provider TestRefusing has no Instance MI: TestRefusing_Create_InstanceMI answered rc 1 "
+      "(not today)");
+  try {
+    host_.activateProviders();
+    ADD_FAILURE();
+  } catch (const HostError& error) {
+    EXPECT_EQ(
+        std::string(error.what()),
+        "provider TestRefusing, Instance MI: TestRefusing_Create_InstanceMI answered rc 1 (not "
+        "today)\n"
+        "provider TestRefusing, Method MI: TestRefusing_Create_MethodMI returned no MI (or one "
+        "without a function table)\n"
+        "provider TestRefusing, Association MI: library " +
+            kProviderDir +
+            "/libtestrefusing.so exports neither _Generic_Create_AssociationMI nor "
+            "TestRefusing_Create_AssociationMI");
+  }
+}
+
+TEST_F(LibraryProviderTest, AMissingLibraryIsAHostError) {
+  try {
+    host_.registerLibraryProvider(KeyedRegistration("Nowhere"), kProviderDir + "/libnowhere.so");
+    ADD_FAILURE();
+  } catch (const HostError& error) {
+    EXPECT_EQ(std::string(error.what())
+                  .rfind("provider Nowhere: cannot load " + kProviderDir + "/libnowhere.so: ", 0),
+              0u)
+        << error.what();
+  }
+}
+
+TEST_F(LibraryProviderTest, ARegistrationFileRegistersEachStanza) {
+  const std::string file = registrationFile(R"(# test providers
+[Test_Keyed]
+   provider: TestNamed
+   location: testnamed
+   type: instance
+   namespace: root/cimv2 root/other
+   unload: never
+   group: tests
+   someday: ignored
+
+[Test_KeyedChild]
+   provider: TestGeneric
+   location: testgeneric
+   type: instance
+)");
+  host_.loadRegistrationFile(file, {"/nonexistent", kProviderDir});
+  const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Keyed");
+  EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
+  EXPECT_EQ(notes(reply), (std::vector<std::string>{"named", "named", "generic:TestGeneric",
+                                                    "generic:TestGeneric"}));
+}
+
+TEST_F(LibraryProviderTest, BadRegistrationFilesNameFileLineAndProblem) {
+  const struct {
+    const char* text;
+    const char* problem;
+  } cases[] = {
+      {"provider: X\n", ":1: 'provider:' comes before any [ClassName] stanza"},
+      {"[Test_Keyed\n", ":1: expected ']' to close the class name in '[Test_Keyed'"},
+      {"[Test Keyed]\n", ":1: 'Test Keyed' is not a class name"},
+      {"[Test_Keyed]\n  provider X\n",
+       ":2: expected 'key: value' or '[ClassName]', found 'provider X'"},
+      {"[Test_Keyed]\n provider: A\n location: testnamed\n type: instanec\n",
+       ":4: unknown provider type 'instanec' (known: instance association method indication "
+       "property)"},
+      {"[Test_Keyed]\n provider: A\n provider: B\n",
+       ":3: 'provider:' is given twice in stanza [Test_Keyed] (first at line 2)"},
+      {"# c\n[Test_Keyed]\n provider: A\n type: instance\n",
+       ":2: stanza [Test_Keyed] has no 'location:'"},
+      {"[Test_Keyed]\n location: testnamed\n type: instance\n",
+       ":1: stanza [Test_Keyed] has no 'provider:'"},
+      {"[Test_Keyed]\n provider: A\n location: testnamed\n",
+       ":1: stanza [Test_Keyed] has no 'type:'"},
+      {"[Test_Keyed]\n provider: A\n location: testnamed\n type:\n", ":4: 'type:' has no value"},
+      {"[Test_Keyed]\n provider: TestNamed\n location: testnamed\n type: instance\n"
+       "[Test_Static]\n provider: TestNamed\n location: testgeneric\n type: instance\n",
+       ":5: provider TestNamed has location 'testgeneric' here but 'testnamed' at line 1"},
+      {"[Test_Keyed]\n provider: TestNamed\n location: testnamed\n type: instance\n"
+       "[Test_Static]\n provider: Missing\n location: nosuch\n type: instance\n",
+       ":5: libnosuch.so of provider Missing is not in "},
+  };
+  for (const auto& c : cases) {
+    const std::string file = registrationFile(c.text);
+    try {
+      host_.loadRegistrationFile(file, {kProviderDir});
+      ADD_FAILURE() << "accepted:\n" << c.text;
+    } catch (const HostError& error) {
+      EXPECT_EQ(std::string(error.what()).rfind(file + c.problem, 0), 0u)
+          << "gave: " << error.what() << "\nwant: " << file << c.problem;
+    }
+  }
+  // Nothing of the failed files was registered, not even their good stanzas.
+  EXPECT_EQ(host_.enumerateInstances("root/cimv2", "Test_Keyed").status.rc,
+            CMPI_RC_ERR_NOT_SUPPORTED);
+  EXPECT_THROW(host_.loadRegistrationFile("/nonexistent/file.reg", {}), HostError);
+}
+
+}  // namespace
+}  // namespace cmpihost::testing

@@ -1,0 +1,598 @@
+// Providers registered in code: lazy creation of MIs, refusals, and how each
+// request is routed (class tree, nearest ancestor, association providers),
+// typed, scoped and recorded; static instances beside them.
+#include <algorithm>
+#include <mutex>
+#include <stdexcept>
+
+#include "HostTestSupport.h"
+#include "cmpihost/ProviderRegistration.h"
+
+namespace cmpihost::testing {
+namespace {
+
+// --- a recording provider, several of them told apart by their index ---
+
+struct TestProvider {
+  std::string name;
+  const CMPIBroker* broker = nullptr;
+  int factoryCalls = 0;
+  bool factoryCouldCreate = false;
+  CMPIrc factoryRc = CMPI_RC_OK;
+  bool factoryReturnsNull = false;
+  CMPIrc answer = CMPI_RC_OK;  // what requests answer
+  bool throwInRequests = false;
+  CMPIInstanceMI instanceMI{};
+  CMPIMethodMI methodMI{};
+  CMPIAssociationMI associationMI{};
+};
+
+TestProvider gProviders[4];
+std::mutex gCallsMutex;
+std::vector<std::string> gCalls;
+
+void Note(const std::string& call) {
+  std::lock_guard<std::mutex> lock(gCallsMutex);
+  gCalls.push_back(call);
+}
+
+TestProvider& Of(const void* hdl) {
+  return *static_cast<TestProvider*>(const_cast<void*>(hdl));
+}
+
+std::string Text(const CMPIString* string) {
+  return string == nullptr ? "-" : string->ft->getCharPtr(string, nullptr);
+}
+
+std::string ClassOf(const CMPIObjectPath* path) {
+  return Text(path->ft->getClassName(path, nullptr));
+}
+
+std::string OrDash(const char* text) {
+  return text == nullptr ? "-" : text;
+}
+
+CMPIStatus Answer(TestProvider& provider) {
+  if (provider.throwInRequests) {
+    throw std::runtime_error("boom");
+  }
+  if (provider.answer != CMPI_RC_OK) {
+    return CMPIStatus{provider.answer,
+                      provider.broker->eft->newString(provider.broker, "refused by test", nullptr)};
+  }
+  return CMPIStatus{CMPI_RC_OK, nullptr};
+}
+
+CMPIInstance* MakeInstance(TestProvider& provider, const CMPIObjectPath* reference) {
+  const CMPIBroker* broker = provider.broker;
+  CMPIObjectPath* path = broker->eft->newObjectPath(
+      broker, Text(reference->ft->getNameSpace(reference, nullptr)).c_str(),
+      ClassOf(reference).c_str(), nullptr);
+  CMPIInstance* instance = broker->eft->newInstance(broker, path, nullptr);
+  instance->ft->setProperty(instance, "Name",
+                            reinterpret_cast<const CMPIValue*>(provider.name.c_str()), CMPI_chars);
+  return instance;
+}
+
+CMPIStatus Cleanup(TestProvider& provider, const char* kind, CMPIBoolean terminating) {
+  const bool scoped = provider.broker->eft->newString(provider.broker, "x", nullptr) != nullptr;
+  Note(provider.name + "." + kind + " cleanup terminating=" + std::to_string(terminating) +
+       (scoped ? " scoped" : " unscoped"));
+  return CMPIStatus{CMPI_RC_OK, nullptr};
+}
+
+CMPIStatus InstanceCleanup(CMPIInstanceMI* mi, const CMPIContext*, CMPIBoolean terminating) {
+  return Cleanup(Of(mi->hdl), "Instance", terminating);
+}
+
+CMPIStatus EnumNames(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
+                     const CMPIObjectPath* reference) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".enumerateInstanceNames " + ClassOf(reference));
+  CMPIInstance* instance = MakeInstance(provider, reference);
+  result->ft->returnObjectPath(result, instance->ft->getObjectPath(instance, nullptr));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus Enum(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
+                const CMPIObjectPath* reference, const char** properties) {
+  TestProvider& provider = Of(mi->hdl);
+  const CMPIData nameSpace = context->ft->getEntry(context, CMPIInitNameSpace, nullptr);
+  Note(provider.name + ".enumerateInstances " + ClassOf(reference) + " in " +
+       Text(nameSpace.value.string) +
+       (properties == nullptr ? "" : " first=" + OrDash(*properties)));
+  result->ft->returnInstance(result, MakeInstance(provider, reference));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus Get(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
+               const CMPIObjectPath* path, const char**) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".getInstance " + Text(path->ft->toString(path, nullptr)));
+  CMPIInstance* instance = provider.broker->eft->newInstance(provider.broker, path, nullptr);
+  result->ft->returnInstance(result, instance);
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus Create(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
+                  const CMPIObjectPath* path, const CMPIInstance* instance) {
+  TestProvider& provider = Of(mi->hdl);
+  const CMPIData note = instance->ft->getProperty(instance, "Note", nullptr);
+  const CMPIData number = instance->ft->getProperty(instance, "Number", nullptr);
+  Note(provider.name + ".createInstance " + ClassOf(path) + " Note=" + Text(note.value.string) +
+       " Number=" + std::to_string(number.value.uint32));
+  result->ft->returnObjectPath(result, instance->ft->getObjectPath(instance, nullptr));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus Modify(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
+                  const CMPIObjectPath* path, const CMPIInstance*, const char** properties) {
+  TestProvider& provider = Of(mi->hdl);
+  std::string names;
+  for (const char** name = properties; name != nullptr && *name != nullptr; ++name) {
+    names += std::string(" ") + *name;
+  }
+  Note(provider.name + ".modifyInstance " + ClassOf(path) + names);
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus Delete(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
+                  const CMPIObjectPath* path) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".deleteInstance " + Text(path->ft->toString(path, nullptr)));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus Query(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
+                 const CMPIObjectPath* path, const char* query, const char* language) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".execQuery " + ClassOf(path) + " " + query + " " + language);
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext*, CMPIBoolean terminating) {
+  return Cleanup(Of(mi->hdl), "Method", terminating);
+}
+
+CMPIStatus Invoke(CMPIMethodMI* mi, const CMPIContext*, const CMPIResult* result,
+                  const CMPIObjectPath* path, const char* method, const CMPIArgs* in,
+                  CMPIArgs* out) {
+  TestProvider& provider = Of(mi->hdl);
+  std::string arguments;
+  for (CMPICount i = 0; i < in->ft->getArgCount(in, nullptr); ++i) {
+    CMPIString* name = nullptr;
+    const CMPIData data = in->ft->getArgAt(in, i, &name, nullptr);
+    arguments += " " + Text(name) + ":" + std::to_string(data.type);
+  }
+  Note(provider.name + ".invokeMethod " + ClassOf(path) + "." + method + arguments);
+  const CMPIData text = in->ft->getArg(in, "Text", nullptr);
+  if (text.type == CMPI_string) {
+    CMPIValue echo;
+    echo.string = text.value.string;
+    out->ft->addArg(out, "Echo", &echo, CMPI_string);
+  }
+  CMPIValue value;
+  value.uint32 = 42;
+  result->ft->returnData(result, &value, CMPI_uint32);
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus AssociationCleanup(CMPIAssociationMI* mi, const CMPIContext*, CMPIBoolean terminating) {
+  return Cleanup(Of(mi->hdl), "Association", terminating);
+}
+
+CMPIStatus Associators(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
+                       const CMPIObjectPath* path, const char* assocClass, const char* resultClass,
+                       const char* role, const char* resultRole, const char**) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".associators " + ClassOf(path) + " " + OrDash(assocClass) + " " +
+       OrDash(resultClass) + " " + OrDash(role) + " " + OrDash(resultRole));
+  result->ft->returnInstance(result, MakeInstance(provider, path));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus AssociatorNames(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
+                           const CMPIObjectPath* path, const char* assocClass,
+                           const char* resultClass, const char* role, const char* resultRole) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".associatorNames " + ClassOf(path) + " " + OrDash(assocClass) + " " +
+       OrDash(resultClass) + " " + OrDash(role) + " " + OrDash(resultRole));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
+                      const CMPIObjectPath* path, const char* resultClass, const char* role,
+                      const char**) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".references " + ClassOf(path) + " " + OrDash(resultClass) + " " +
+       OrDash(role));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
+                          const CMPIObjectPath* path, const char* resultClass, const char* role) {
+  TestProvider& provider = Of(mi->hdl);
+  Note(provider.name + ".referenceNames " + ClassOf(path) + " " + OrDash(resultClass) + " " +
+       OrDash(role));
+  result->ft->returnDone(result);
+  return Answer(provider);
+}
+
+template <typename MI>
+MI* Made(TestProvider& provider, MI* mi, const CMPIBroker* broker, CMPIStatus* rc) {
+  provider.broker = broker;
+  ++provider.factoryCalls;
+  provider.factoryCouldCreate = broker->eft->newString(broker, "x", nullptr) != nullptr;
+  if (provider.factoryRc != CMPI_RC_OK) {
+    rc->rc = provider.factoryRc;
+    rc->msg = broker->eft->newString(broker, "nope", nullptr);
+  }
+  return provider.factoryReturnsNull ? nullptr : mi;
+}
+
+template <int N>
+CMPIInstanceMI* InstanceFactory(const CMPIBroker* broker, const CMPIContext*, CMPIStatus* rc) {
+  return Made(gProviders[N], &gProviders[N].instanceMI, broker, rc);
+}
+template <int N>
+CMPIMethodMI* MethodFactory(const CMPIBroker* broker, const CMPIContext*, CMPIStatus* rc) {
+  return Made(gProviders[N], &gProviders[N].methodMI, broker, rc);
+}
+template <int N>
+CMPIAssociationMI* AssociationFactory(const CMPIBroker* broker, const CMPIContext*,
+                                      CMPIStatus* rc) {
+  return Made(gProviders[N], &gProviders[N].associationMI, broker, rc);
+}
+
+template <int N>
+MiFactories FactoriesOf() {
+  MiFactories factories;
+  factories.instance = InstanceFactory<N>;
+  factories.method = MethodFactory<N>;
+  factories.association = AssociationFactory<N>;
+  return factories;
+}
+
+const CMPIInstanceMIFT kInstanceFT = {CMPIVersion200, CMPIVersion200, "instance", InstanceCleanup,
+                                      EnumNames,      Enum,           Get,        Create,
+                                      Modify,         Delete,         Query};
+const CMPIMethodMIFT kMethodFT = {CMPIVersion200, CMPIVersion200, "method", MethodCleanup, Invoke};
+const CMPIAssociationMIFT kAssociationFT = {CMPIVersion200,     CMPIVersion200, "association",
+                                            AssociationCleanup, Associators,    AssociatorNames,
+                                            References,         ReferenceNames};
+
+void ResetProviders() {
+  const char* names[] = {"P0", "P1", "P2", "P3"};
+  for (int i = 0; i < 4; ++i) {
+    TestProvider& p = gProviders[i];
+    p = TestProvider();
+    p.name = names[i];
+    p.instanceMI.hdl = &p;
+    p.instanceMI.ft = const_cast<CMPIInstanceMIFT*>(&kInstanceFT);
+    p.methodMI.hdl = &p;
+    p.methodMI.ft = const_cast<CMPIMethodMIFT*>(&kMethodFT);
+    p.associationMI.hdl = &p;
+    p.associationMI.ft = const_cast<CMPIAssociationMIFT*>(&kAssociationFT);
+  }
+  std::lock_guard<std::mutex> lock(gCallsMutex);
+  gCalls.clear();
+}
+
+void ClearCalls() {
+  std::lock_guard<std::mutex> lock(gCallsMutex);
+  gCalls.clear();
+}
+
+std::vector<std::string> Calls() {
+  std::lock_guard<std::mutex> lock(gCallsMutex);
+  return gCalls;
+}
+
+class ProviderDispatchTest : public HostTest {
+ protected:
+  ProviderDispatchTest() { ResetProviders(); }
+
+  template <int N>
+  void registerAs(std::vector<std::string> classes, bool instance, bool method = false,
+                  bool association = false) {
+    ProviderRegistration registration;
+    registration.providerName = gProviders[N].name;
+    registration.classNames = std::move(classes);
+    registration.instance = instance;
+    registration.method = method;
+    registration.association = association;
+    host_.registerProvider(registration, FactoriesOf<N>());
+  }
+};
+
+TEST_F(ProviderDispatchTest, FactoriesRunLazilyOnceInsideACallScope) {
+  registerAs<0>({"Test_Keyed"}, true, true);
+  EXPECT_EQ(gProviders[0].factoryCalls, 0);
+  host_.enumerateInstances("root/cimv2", "Test_Keyed");
+  EXPECT_EQ(gProviders[0].factoryCalls, 1);  // the instance MI only
+  EXPECT_TRUE(gProviders[0].factoryCouldCreate);
+  host_.enumerateInstanceNames("root/cimv2", "Test_Keyed");
+  host_.getInstance(R"(Test_Keyed.Name="x")");
+  EXPECT_EQ(gProviders[0].factoryCalls, 1);
+  host_.activateProviders();  // the method MI now
+  EXPECT_EQ(gProviders[0].factoryCalls, 2);
+  host_.activateProviders();
+  EXPECT_EQ(gProviders[0].factoryCalls, 2);
+}
+
+TEST_F(ProviderDispatchTest, ActivateProvidersReportsEveryRefusal) {
+  gProviders[1].factoryReturnsNull = true;
+  gProviders[2].factoryRc = CMPI_RC_ERR_FAILED;
+  registerAs<0>({"Test_Keyed"}, true);
+  registerAs<1>({"Test_Keyed"}, true);
+  registerAs<2>({"Test_Link"}, false, false, true);
+  try {
+    host_.activateProviders();
+    ADD_FAILURE() << "no refusal reported";
+  } catch (const HostError& error) {
+    EXPECT_EQ(std::string(error.what()),
+              "provider P1, Instance MI: the in-process Instance MI factory returned no MI (or one "
+              "without a function table)\n"
+              "provider P2, Association MI: the in-process Association MI factory answered rc 1 "
+              "(nope)");
+  }
+  // A refused provider's requests fail with the reason; it is not asked again.
+  const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Keyed");
+  EXPECT_EQ(reply.status.rc, CMPI_RC_ERR_FAILED);
+  EXPECT_NE(reply.status.message.find("provider P1 has no Instance MI"), std::string::npos);
+  EXPECT_EQ(gProviders[1].factoryCalls, 1);
+}
+
+TEST_F(ProviderDispatchTest, EnumerationCallsEachProviderOncePerClassOfTheTree) {
+  registerAs<0>({"Test_Keyed", "Test_KeyedChild"}, true);
+  registerAs<1>({"test_keyedchild"}, true);
+  const Reply reply = host_.enumerateInstances("root/cimv2", "TEST_KEYED");
+  EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
+  EXPECT_EQ(reply.providerCalls, 3u);
+  EXPECT_EQ(Calls(), (std::vector<std::string>{
+                         "P0.enumerateInstances Test_Keyed in root/cimv2",
+                         "P0.enumerateInstances Test_KeyedChild in root/cimv2",
+                         "P1.enumerateInstances Test_KeyedChild in root/cimv2",
+                     }));
+  ASSERT_EQ(reply.events.size(), 6u);
+  EXPECT_EQ(reply.doneCount(), 3u);
+  EXPECT_EQ(reply.events[0].instance.path, R"(root/cimv2:Test_Keyed.Name="P0")");
+  EXPECT_EQ(reply.events[4].instance.className, "Test_KeyedChild");
+  EXPECT_EQ(reply.events[4].instance.find("Name")->text, "P1");
+
+  const std::vector<std::string> properties = {"Name"};
+  ClearCalls();
+  host_.enumerateInstances("root/cimv2", "Test_KeyedChild", &properties);
+  EXPECT_EQ(Calls()[0], "P0.enumerateInstances Test_KeyedChild in root/cimv2 first=Name");
+
+  const Reply names = host_.enumerateInstanceNames("root/cimv2", "Test_KeyedChild");
+  EXPECT_EQ(names.paths(), (std::vector<std::string>{R"(root/cimv2:Test_KeyedChild.Name="P0")",
+                                                     R"(root/cimv2:Test_KeyedChild.Name="P1")"}));
+}
+
+TEST_F(ProviderDispatchTest, StaticInstancesAreServedWithTheirDeclaredTypes) {
+  const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Static");
+  EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
+  EXPECT_EQ(reply.providerCalls, 0u);
+  const std::vector<InstanceSnapshot> instances = reply.instances();
+  ASSERT_EQ(instances.size(), 3u);
+  EXPECT_EQ(instances[0].path, R"(root/cimv2:Test_Static.Name="one")");
+  EXPECT_EQ(instances[0].find("Value")->type, CMPI_uint32);
+  EXPECT_EQ(instances[0].find("Value")->uint, 1u);
+  EXPECT_EQ(instances[0].find("When")->type, CMPI_dateTime);
+  EXPECT_EQ(instances[0].find("When")->text, "20240102030405.000006+060");
+  EXPECT_EQ(instances[1].find("Value")->uint, 3u);  // the class default
+  EXPECT_TRUE(instances[1].find("When")->isNull());
+  EXPECT_EQ(instances[2].className, "Test_StaticChild");
+  EXPECT_EQ(instances[2].find("Extra")->text, "x");
+
+  EXPECT_EQ(host_.enumerateInstanceNames("root/cimv2", "Test_StaticChild").paths(),
+            std::vector<std::string>{R"(root/cimv2:Test_StaticChild.Name="child")"});
+  const Reply two = host_.getInstance(R"(Test_Static.Name="two")");
+  ASSERT_EQ(two.instances().size(), 1u);
+  EXPECT_EQ(two.instances()[0].find("Value")->uint, 3u);
+  EXPECT_EQ(host_.getInstance(R"(Test_Static.Name="none")").status.rc, CMPI_RC_ERR_NOT_FOUND);
+}
+
+TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances) {
+  registerAs<0>({"Test_KeyedChild"}, true);
+  CMPIStatus rc;
+  CMPIEnumeration* statics = broker_->bft->enumerateInstances(broker_, scope_->context(),
+                                                              path("Test_Static"), nullptr, &rc);
+  ASSERT_EQ(rc.rc, CMPI_RC_OK);
+  std::vector<std::string> names;
+  while (statics->ft->hasNext(statics, nullptr) != 0) {
+    const CMPIData item = statics->ft->getNext(statics, nullptr);
+    ASSERT_EQ(item.type, CMPI_instance);
+    const CMPIData value = item.value.inst->ft->getProperty(item.value.inst, "Value", nullptr);
+    EXPECT_EQ(value.type, CMPI_uint32);
+    names.push_back(
+        Text(item.value.inst->ft->getProperty(item.value.inst, "Name", nullptr).value.string));
+  }
+  EXPECT_EQ(names, (std::vector<std::string>{"one", "two", "child"}));
+  statics->ft->getNext(statics, &rc);
+  EXPECT_EQ(rc.rc, CMPI_RC_ERR_NOT_FOUND);
+
+  CMPIEnumeration* served =
+      broker_->bft->enumerateInstanceNames(broker_, scope_->context(), path("Test_Keyed"), &rc);
+  ASSERT_EQ(rc.rc, CMPI_RC_OK);
+  const CMPIArray* array = served->ft->toArray(served, nullptr);
+  ASSERT_EQ(array->ft->getSize(array, nullptr), 1u);
+  EXPECT_EQ(pathText(array->ft->getElementAt(array, 0, nullptr).value.ref),
+            R"(root/cimv2:Test_KeyedChild.Name="P0")");
+
+  CMPIEnumeration* unknown = broker_->bft->enumerateInstances(
+      broker_, scope_->context(), path("TORSK_ComputerSystem"), nullptr, &rc);
+  ASSERT_NE(unknown, nullptr);
+  EXPECT_EQ(rc.rc, CMPI_RC_OK);
+  EXPECT_EQ(unknown->ft->hasNext(unknown, nullptr), 0);
+
+  CMPIObjectPath* one = scope_->objectPath(R"(Test_Static.Name="one")");
+  CMPIInstance* got = broker_->bft->getInstance(broker_, scope_->context(), one, nullptr, &rc);
+  ASSERT_NE(got, nullptr);
+  EXPECT_EQ(got->ft->getProperty(got, "Value", nullptr).value.uint32, 1u);
+}
+
+TEST_F(ProviderDispatchTest, InstanceRequestsGoToTheNearestAncestorWithAProvider) {
+  registerAs<0>({"Test_Keyed"}, true);
+  const Reply got = host_.getInstance(R"(Test_KeyedChild.Name="c",Number=2)");
+  EXPECT_EQ(got.status.rc, CMPI_RC_OK);
+  ASSERT_EQ(got.instances().size(), 1u);
+  EXPECT_EQ(got.instances()[0].className, "Test_KeyedChild");
+  EXPECT_EQ(got.instances()[0].find("Number")->uint, 2u);
+
+  const Reply created = host_.createInstance(
+      R"(Test_KeyedChild.Name="new")", {{"Note", "a note", std::nullopt}, {"Number", "9", {}}});
+  EXPECT_EQ(created.paths(),
+            std::vector<std::string>{R"(root/cimv2:Test_KeyedChild.Name="new",Number=9)"});
+  host_.modifyInstance(R"(Test_Keyed.Name="m")", {{"Note", "n", {}}});
+  host_.deleteInstance(R"(Test_Keyed.Name="d")");
+  host_.execQuery("root/cimv2", "Test_Keyed", "SELECT * FROM Test_Keyed", "WQL");
+  EXPECT_EQ(Calls(), (std::vector<std::string>{
+                         R"(P0.getInstance root/cimv2:Test_KeyedChild.Name="c",Number=2)",
+                         "P0.createInstance Test_KeyedChild Note=a note Number=9",
+                         "P0.modifyInstance Test_Keyed Note",
+                         R"(P0.deleteInstance root/cimv2:Test_Keyed.Name="d")",
+                         "P0.execQuery Test_Keyed SELECT * FROM Test_Keyed WQL",
+                     }));
+  EXPECT_THROW(host_.createInstance(R"(Test_Keyed.Name="x")", {{"Nope", "1", {}}}), HostError);
+  EXPECT_THROW(host_.createInstance(R"(Test_Keyed.Name="x")", {{"Number", "many", {}}}), HostError);
+}
+
+TEST_F(ProviderDispatchTest, MethodArgumentsAreTypedFromTheDeclaredParameters) {
+  registerAs<0>({"Test_Keyed"}, false, true);
+  std::vector<Property> out;
+  const Reply reply = host_.invokeMethod(R"(Test_Keyed.Name="k")", "Run",
+                                         {{"text", "hello", {}},
+                                          {"Count", "7", {}},
+                                          {"Target", R"(Test_Keyed.Name="t")", {}},
+                                          {"Items", R"(a, "b,c")", {}},
+                                          {"Extra", "5", CMPI_sint64}},
+                                         &out);
+  EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
+  ASSERT_EQ(reply.data().size(), 1u);
+  EXPECT_EQ(reply.data()[0].type, CMPI_uint32);
+  EXPECT_EQ(reply.data()[0].uint, 42u);
+  EXPECT_EQ(Calls()[0],
+            "P0.invokeMethod Test_Keyed.Run Text:" + std::to_string(CMPI_string) +
+                " Count:" + std::to_string(CMPI_uint16) + " Target:" + std::to_string(CMPI_ref) +
+                " Items:" + std::to_string(CMPI_stringA) + " Extra:" + std::to_string(CMPI_sint64));
+  ASSERT_EQ(out.size(), 1u);
+  EXPECT_EQ(out[0].name, "Echo");
+  EXPECT_EQ(out[0].value.text, "hello");
+
+  try {
+    host_.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {{"Count", "seven", {}}});
+    ADD_FAILURE();
+  } catch (const HostError& error) {
+    EXPECT_EQ(std::string(error.what()), "argument Count: 'seven' is not a uint16 (0 to 65535)");
+  }
+  try {
+    host_.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {{"Unknown", "1", {}}});
+    ADD_FAILURE();
+  } catch (const HostError& error) {
+    EXPECT_EQ(std::string(error.what()),
+              "argument Unknown: method Run of class Test_Keyed has no parameter Unknown to type "
+              "it by; give Argument::type");
+  }
+}
+
+TEST_F(ProviderDispatchTest, AssociationRequestsReachEachAssociationProviderOnce) {
+  registerAs<0>({"Test_Link", "Test_SpecialLink"}, false, false, true);
+  registerAs<1>({"Test_SpecialLink"}, false, false, true);
+  registerAs<2>({"Test_OtherLink"}, false, false, true);
+  AssociationFilter filter;
+  filter.assocClass = "Test_Link";
+  filter.resultClass = "Test_Keyed";
+  filter.role = "Left";
+  const Reply reply = host_.associators(R"(Test_Keyed.Name="src")", filter);
+  EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
+  EXPECT_EQ(reply.providerCalls, 2u);
+  EXPECT_EQ(reply.instances().size(), 2u);
+  EXPECT_EQ(Calls(), (std::vector<std::string>{
+                         "P0.associators Test_Keyed Test_Link Test_Keyed Left -",
+                         "P1.associators Test_Keyed Test_Link Test_Keyed Left -",
+                     }));
+  ClearCalls();
+  host_.referenceNames(R"(Test_Keyed.Name="src")");
+  host_.references(R"(Test_Keyed.Name="src")", filter);
+  host_.associatorNames(R"(Test_Keyed.Name="src")",
+                        AssociationFilter{"Test_OtherLink", {}, {}, {}});
+  EXPECT_EQ(Calls(), (std::vector<std::string>{
+                         "P0.referenceNames Test_Keyed - -",
+                         "P1.referenceNames Test_Keyed - -",
+                         "P2.referenceNames Test_Keyed - -",
+                         "P0.references Test_Keyed Test_Keyed Left",
+                         "P1.references Test_Keyed Test_Keyed Left",
+                         "P2.associatorNames Test_Keyed Test_OtherLink - - -",
+                     }));
+  EXPECT_EQ(host_.associators(R"(Test_Keyed.Name="s")", AssociationFilter{"No_Such", {}, {}, {}})
+                .status.rc,
+            CMPI_RC_ERR_INVALID_CLASS);
+}
+
+TEST_F(ProviderDispatchTest, RequestsNoProviderServesAnswerNotSupported) {
+  EXPECT_EQ(host_.enumerateInstances("root/cimv2", "Test_Keyed").status.rc,
+            CMPI_RC_ERR_NOT_SUPPORTED);
+  // A get with neither a provider nor a matching static instance finds nothing.
+  EXPECT_EQ(host_.getInstance(R"(Test_Keyed.Name="x")").status.rc, CMPI_RC_ERR_NOT_FOUND);
+  EXPECT_EQ(host_.invokeMethod(R"(Test_Keyed.Name="x")", "Run", {}).status.rc,
+            CMPI_RC_ERR_NOT_SUPPORTED);
+  const Reply associators = host_.associators(R"(Test_Keyed.Name="x")");
+  EXPECT_EQ(associators.status.rc, CMPI_RC_ERR_NOT_SUPPORTED);
+  EXPECT_EQ(associators.status.message, "no Association provider serves namespace root/cimv2");
+}
+
+TEST_F(ProviderDispatchTest, AProvidersFailureReachesTheReplyWithItsMessage) {
+  registerAs<0>({"Test_Keyed"}, true);
+  registerAs<1>({"Test_KeyedChild"}, true);
+  gProviders[0].answer = CMPI_RC_ERR_ACCESS_DENIED;
+  const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Keyed");
+  EXPECT_EQ(reply.status.rc, CMPI_RC_ERR_ACCESS_DENIED);
+  EXPECT_TRUE(reply.status.hasMessage);
+  EXPECT_EQ(reply.status.message, "refused by test");  // copied before the call's scope closed
+  EXPECT_EQ(reply.providerCalls, 1u);                  // the first failure ends the request
+
+  gProviders[0].answer = CMPI_RC_OK;
+  gProviders[0].throwInRequests = true;
+  const Reply thrown = host_.getInstance(R"(Test_Keyed.Name="x")");
+  EXPECT_EQ(thrown.status.rc, CMPI_RC_ERR_FAILED);
+  EXPECT_EQ(thrown.status.message, "the provider threw: boom");
+}
+
+TEST_F(ProviderDispatchTest, DestroyingTheHostCleansUpEveryCreatedMiInAScope) {
+  {
+    Host host;
+    host.loadMof(HOST_TEST_MOF);
+    ProviderRegistration registration;
+    registration.providerName = "P0";
+    registration.classNames = {"Test_Keyed"};
+    registration.instance = true;
+    registration.method = true;
+    host.registerProvider(registration, FactoriesOf<0>());
+    registration.providerName = "P1";
+    host.registerProvider(registration, FactoriesOf<1>());
+    host.enumerateInstances("root/cimv2", "Test_Keyed");     // P0 and P1 instance MIs
+    host.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {});  // P0's method MI
+    ClearCalls();
+  }
+  EXPECT_EQ(Calls(), (std::vector<std::string>{
+                         "P0.Method cleanup terminating=1 scoped",
+                         "P1.Instance cleanup terminating=1 scoped",
+                         "P0.Instance cleanup terminating=1 scoped",
+                     }));
+}
+
+}  // namespace
+}  // namespace cmpihost::testing
