@@ -309,7 +309,8 @@ void Host::activateProviders() {
   }
   std::string message;
   for (const std::string& refusal : refusals) {
-    message += (message.empty() ? "" : "\n") + refusal;
+    message += message.empty() ? "" : "\n";
+    message += refusal;
   }
   throw HostError(message);
 }

@@ -259,11 +259,11 @@ std::vector<std::string> FormatArguments(CMPICount count, va_list arguments) {
         texts.push_back(RealText(va_arg(arguments, double), false));
         break;
       case CMPI_boolean:
-        texts.push_back(va_arg(arguments, int) != 0 ? "true" : "false");
+        texts.emplace_back(va_arg(arguments, int) != 0 ? "true" : "false");
         break;
       case CMPI_chars: {
         const char* chars = va_arg(arguments, const char*);
-        texts.push_back(chars == nullptr ? "" : chars);
+        texts.emplace_back(chars == nullptr ? "" : chars);
         break;
       }
       case CMPI_string: {

@@ -1,13 +1,13 @@
 // The broker's operating-system services, on POSIX threads. Handles are heap
 // objects owned by the provider that asked for them.
 #include <pthread.h>
-#include <time.h>
 
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <new>
 
 #include "broker/Broker.h"
@@ -94,7 +94,7 @@ int ThreadSleep(CMPIUint32 milliseconds) {
 }
 
 // `once` starts at 0; 1 while the function runs, 2 once it has run.
-int ThreadOnce(int* once, void (*function)(void)) {
+int ThreadOnce(int* once, void (*function)()) {  // NOLINT(readability-non-const-parameter)
   if (once == nullptr || function == nullptr) {
     return EINVAL;
   }

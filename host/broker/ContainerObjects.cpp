@@ -181,7 +181,7 @@ CMPIEnumeration* EnumerationClone(const CMPIEnumeration* enumeration, CMPIStatus
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
     return nullptr;
   }
-  EnumerationObject* copy = CreateOwned<EnumerationObject>(rc, object->itemType, object->items);
+  auto* copy = CreateOwned<EnumerationObject>(rc, object->itemType, object->items);
   copy->next = object->next;
   return copy;
 }

@@ -117,8 +117,9 @@ std::optional<DateTime> ParseDateTime(const std::string& text) {
   }
   const std::int64_t offset =
       static_cast<std::int64_t>(Field(text, 22, 3)) * (sign == '-' ? -1 : 1);
-  const std::int64_t utcSeconds =
-      DaysFromCivil(year, month, day) * 86400 + hours * 3600 + minutes * 60 + seconds - offset * 60;
+  const std::int64_t utcSeconds = DaysFromCivil(year, month, day) * 86400 +
+                                  static_cast<std::int64_t>(hours) * 3600 +
+                                  static_cast<std::int64_t>(minutes) * 60 + seconds - offset * 60;
   result.binary = static_cast<std::uint64_t>(utcSeconds * kMicrosPerSecond + micros);
   return result;
 }

@@ -27,11 +27,7 @@ void LogBook::add(LogRecord record) {
       if (records_.size() == bound_) {
         records_.pop_front();
       }
-      if (sink) {
-        records_.push_back(record);
-      } else {
-        records_.push_back(std::move(record));
-      }
+      records_.push_back(record);
     }
   }
   // Outside the lock: a sink may log again or take its time.

@@ -201,7 +201,7 @@ void SetStatus(CMPIStatus* out, CMPIrc rc, const std::string& message) {
 
 CMPIStatus NoScopeStatus() {
   // No scope can own a message now, so the message is one that is never freed.
-  static StringObject* const message = new StringObject(
+  static auto* const message = new StringObject(
       "cmpihost: no call scope is open on this thread; the broker creates objects only during "
       "an MI call, after attachThread, after mark, or inside a test's CallScope",
       true);

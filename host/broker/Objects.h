@@ -38,46 +38,46 @@ void SetTable(Object& object, const Table& table) {
 }
 
 struct StringObject final : HostObject, CMPIString {
-  explicit StringObject(std::string text, bool immortal = false);
+  explicit StringObject(std::string text, bool isImmortal = false);
   const std::string chars;
   const bool immortal;  // the static "no scope" message, never freed
 };
 
 struct ArrayObject final : HostObject, CMPIArray {
-  ArrayObject(CMPIType elementType, std::vector<HostValue> elements);
+  ArrayObject(CMPIType type, std::vector<HostValue> values);
   CMPIType elementType;
   std::vector<HostValue> elements;
 };
 
 struct DateTimeObject final : HostObject, CMPIDateTime {
-  explicit DateTimeObject(DateTime value);
+  explicit DateTimeObject(DateTime dateTime);
   DateTime value;
 };
 
 struct ObjectPathObject final : HostObject, CMPIObjectPath {
-  explicit ObjectPathObject(PathData path);
+  explicit ObjectPathObject(PathData data);
   PathData path;
 };
 
 struct InstanceObject final : HostObject, CMPIInstance {
-  explicit InstanceObject(InstanceData data);
+  explicit InstanceObject(InstanceData instance);
   InstanceData data;
 };
 
 struct ArgsObject final : HostObject, CMPIArgs {
-  explicit ArgsObject(NamedValues args = {});
+  explicit ArgsObject(NamedValues values = {});
   NamedValues args;
 };
 
 struct EnumerationObject final : HostObject, CMPIEnumeration {
-  EnumerationObject(CMPIType itemType, std::vector<HostValue> items);
+  EnumerationObject(CMPIType type, std::vector<HostValue> values);
   CMPIType itemType;
   std::vector<HostValue> items;
   std::size_t next = 0;
 };
 
 struct ContextObject final : HostObject, CMPIContext {
-  explicit ContextObject(NamedValues entries = {});
+  explicit ContextObject(NamedValues values = {});
   NamedValues entries;
 };
 
@@ -113,12 +113,12 @@ struct ErrorData {
 };
 
 struct ErrorObject final : HostObject, CMPIError {
-  explicit ErrorObject(ErrorData data);
+  explicit ErrorObject(ErrorData error);
   ErrorData data;
 };
 
 struct SelectExpObject final : HostObject, CMPISelectExp {
-  SelectExpObject(std::string query, std::string language);
+  SelectExpObject(std::string text, std::string lang);
   std::string query;
   std::string language;
 };

@@ -33,11 +33,11 @@ struct HostValue {
 
   static HostValue Null(CMPIType type);
   static HostValue String(std::string text);
-  static HostValue Boolean(bool value);
-  static HostValue Unsigned(CMPIType type, std::uint64_t value);
-  static HostValue Signed(CMPIType type, std::int64_t value);
-  static HostValue Real(CMPIType type, double value);
-  static HostValue Date(DateTime value);
+  static HostValue Boolean(bool flag);
+  static HostValue Unsigned(CMPIType type, std::uint64_t number);
+  static HostValue Signed(CMPIType type, std::int64_t number);
+  static HostValue Real(CMPIType type, double number);
+  static HostValue Date(DateTime dateTime);
   static HostValue Reference(PathData path);
 };
 

@@ -178,7 +178,7 @@ void CallProvider(Host::Impl& host, const PathData& path, Gathered& gathered, Ca
   Scope scope;
   const ContextObject* context =
       CreateInScope<ContextObject>(nullptr, host.contextEntries(path.nameSpace));
-  ResultObject* result = CreateInScope<ResultObject>(nullptr);
+  auto* result = CreateInScope<ResultObject>(nullptr);
   const ObjectPathObject* objectPath = CreateInScope<ObjectPathObject>(nullptr, path);
   CMPIStatus status;
   try {
@@ -228,13 +228,10 @@ bool SameKeys(const PathData& a, const PathData& b) {
   if (a.keys.size() != b.keys.size()) {
     return false;
   }
-  for (const NamedValue& key : a.keys.items()) {
+  return std::all_of(a.keys.items().begin(), a.keys.items().end(), [&](const NamedValue& key) {
     const NamedValue* other = b.keys.find(key.name);
-    if (other == nullptr || !SameValue(key.value, other->value)) {
-      return false;
-    }
-  }
-  return true;
+    return other != nullptr && SameValue(key.value, other->value);
+  });
 }
 
 HostValue InstanceValue(InstanceData data) {
@@ -573,7 +570,7 @@ Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std:
       host, path, gathered,
       [&](const CMPIContext* context, const CMPIResult* result, const CMPIObjectPath* objectPath) {
         const ArgsObject* inArgs = CreateInScope<ArgsObject>(nullptr, in);
-        ArgsObject* outArgs = CreateInScope<ArgsObject>(nullptr);
+        auto* outArgs = CreateInScope<ArgsObject>(nullptr);
         const CMPIStatus status = mi->ft->invokeMethod == nullptr
                                       ? Missing(*provider, MiKind::kMethod, "invokeMethod")
                                       : mi->ft->invokeMethod(mi, context, result, objectPath,

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <fstream>
 #include <map>
@@ -37,12 +38,9 @@ bool IsClassName(const std::string& name) {
   if (name.empty() || (std::isalpha(static_cast<unsigned char>(name[0])) == 0 && name[0] != '_')) {
     return false;
   }
-  for (const char c : name) {
-    if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '_') {
-      return false;
-    }
-  }
-  return true;
+  return std::all_of(name.begin(), name.end(), [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+  });
 }
 
 class StanzaReader {
@@ -214,17 +212,19 @@ std::vector<RegistrationStanza> ReadRegistrationFile(const std::string& path) {
 
 std::string FindProviderLibrary(const RegistrationStanza& stanza, const std::string& file,
                                 const std::vector<std::string>& libraryDirs) {
-  const std::string library = "lib" + stanza.location + ".so";
+  std::string library = "lib" + stanza.location + ".so";
   if (libraryDirs.empty()) {
     return library;
   }
   std::string searched;
   for (const std::string& dir : libraryDirs) {
-    const std::string candidate = dir + "/" + library;
+    std::string candidate = dir;
+    candidate += "/" + library;
     if (access(candidate.c_str(), R_OK) == 0) {
       return candidate;
     }
-    searched += (searched.empty() ? "" : ", ") + dir;
+    searched += searched.empty() ? "" : ", ";
+    searched += dir;
   }
   throw HostError(file + ":" + std::to_string(stanza.line) + ": " + library + " of provider " +
                   stanza.providerName + " is not in " + searched);
