@@ -127,6 +127,12 @@ TEST_F(LibraryProviderTest, ARegistrationFileRegistersEachStanza) {
   EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
   EXPECT_EQ(notes(reply), (std::vector<std::string>{"named", "named", "generic:TestGeneric",
                                                     "generic:TestGeneric"}));
+  // The first stanza listed two namespaces: the same provider serves both.
+  host_.loadMof(HOST_TEST_MOF, "root/other");
+  const Reply other = host_.enumerateInstances("root/other", "Test_Keyed");
+  EXPECT_EQ(other.status.rc, CMPI_RC_OK);
+  EXPECT_EQ(other.instances().at(0).path, R"(root/other:Test_Keyed.Flag=TRUE,Name="n1",Number=1)");
+  EXPECT_EQ(notes(other), (std::vector<std::string>{"named", "named"}));
 }
 
 TEST_F(LibraryProviderTest, BadRegistrationFilesNameFileLineAndProblem) {
