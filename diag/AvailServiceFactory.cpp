@@ -2,8 +2,10 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "core/Trace.h"
+#include "diag/RegistryHandOver.h"
 #include "diagcore/AvailableDiagnosticService.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/CimNames.h"
@@ -64,7 +66,7 @@ void AvailServiceFactory::CreateAvailableServices(const CMPIBroker* broker,
             "CreateAvailableServices skipped a " + userClassName + " item that is not an instance");
       continue;
     }
-    // Owned here until the registry takes it (see below).
+    // Owned here until the registry takes it.
     auto association = std::make_unique<AvailableDiagnosticService>(associationClassName);
     AvailableDiagnosticService& bag = *association;
     bag["EstimatedDurationOfService"] = "3";
@@ -73,12 +75,7 @@ void AvailServiceFactory::CreateAvailableServices(const CMPIBroker* broker,
     bag["UserOfService"] = CMPIUtil::GetObjectPathString(userPath);
     bag["EnumOrder"] = std::to_string(enumOrder);
     enumOrder += enumOrderStep;
-    registry->RegisterInstance(broker, context, association.get());
-    // Registration writes the path text into the bag; without one the
-    // registry did not take it.
-    if (!association->getObjectPath().empty()) {
-      static_cast<void>(association.release());  // the registry's now
-    }
+    HandToRegistry(registry, broker, context, std::move(association));
   }
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/Trace.h"
+#include "diag/RegistryHandOver.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/DiagUser.h"
 #include "diagcore/InstanceRegistry.h"
@@ -128,12 +129,7 @@ CMPIStatus DiagService::invokeMethod(const CMPIBroker* broker, const CMPIContext
   completed["InstanceID"] = getClassName() + ":" + name + ":" + now;
   completed["CreationTimeStamp"] = now;
 
-  registry->RegisterInstance(broker, context, record.get());
-  // Registration writes the path text into the bag; without one the
-  // registry did not take the record, and it is freed here.
-  if (!record->getObjectPath().empty()) {
-    static_cast<void>(record.release());  // the registry's now
-  }
+  HandToRegistry(registry, broker, context, std::move(record));
   return Status(CMPI_RC_OK);
 }
 

@@ -3,8 +3,7 @@
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagServiceProviderCommon.h"
 
-namespace NQENDRA20 {
-namespace mi_table {
+namespace NQENDRA20::mi_table {
 
 namespace {
 
@@ -105,5 +104,4 @@ CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
                                                  resultClass, role);
 }
 
-}  // namespace mi_table
-}  // namespace NQENDRA20
+}  // namespace NQENDRA20::mi_table

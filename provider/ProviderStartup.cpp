@@ -28,21 +28,6 @@ CMPIStatus Status(CMPIrc rc) {
 
 }  // namespace
 
-bool ProviderStartup::Activate(CMPIInstanceMI* mi, const CMPIBroker* broker,
-                               const CMPIContext* context, CMPIStatus* rc) noexcept {
-  return Start(mi, broker, context, rc);
-}
-
-bool ProviderStartup::Activate(CMPIMethodMI* mi, const CMPIBroker* broker,
-                               const CMPIContext* context, CMPIStatus* rc) noexcept {
-  return Start(mi, broker, context, rc);
-}
-
-bool ProviderStartup::Activate(CMPIAssociationMI* mi, const CMPIBroker* broker,
-                               const CMPIContext* context, CMPIStatus* rc) noexcept {
-  return Start(mi, broker, context, rc);
-}
-
 template <typename Mi>
 bool ProviderStartup::Start(Mi* mi, const CMPIBroker* broker, const CMPIContext* context,
                             CMPIStatus* rc) noexcept {
@@ -84,6 +69,21 @@ bool ProviderStartup::Start(Mi* mi, const CMPIBroker* broker, const CMPIContext*
     }
     return false;
   }
+}
+
+bool ProviderStartup::Activate(CMPIInstanceMI* mi, const CMPIBroker* broker,
+                               const CMPIContext* context, CMPIStatus* rc) noexcept {
+  return Start(mi, broker, context, rc);
+}
+
+bool ProviderStartup::Activate(CMPIMethodMI* mi, const CMPIBroker* broker,
+                               const CMPIContext* context, CMPIStatus* rc) noexcept {
+  return Start(mi, broker, context, rc);
+}
+
+bool ProviderStartup::Activate(CMPIAssociationMI* mi, const CMPIBroker* broker,
+                               const CMPIContext* context, CMPIStatus* rc) noexcept {
+  return Start(mi, broker, context, rc);
 }
 
 // Runs outside the lock: the start-up calls the broker back, and may call a

@@ -18,7 +18,7 @@ using NQENDRA20::UseOfLog;
 using Properties = std::map<std::string, std::string>;
 
 Properties PropertiesOf(const NQENDRA20::InstanceImpl& bag) {
-  return Properties(bag.begin(), bag.end());
+  return {bag.begin(), bag.end()};
 }
 
 TEST(AssociationBagsTest, AFreshAvailabilityHoldsTwoEmptyReferences) {
@@ -68,20 +68,6 @@ TEST(AssociationBagsTest, ADiagUserIsEmptyAndInitAddsNothing) {
   user.init();
   EXPECT_EQ(PropertiesOf(user), (Properties{{"DeviceID", "sda"}}));
   EXPECT_EQ(user.getClassName(), "ACME_Disk");
-}
-
-TEST(AssociationBagsTest, AssociationsKnowNoMethod) {
-  AvailableDiagnosticService availability("A");
-  UseOfLog log("L");
-  DiagUser user;
-  for (NQENDRA20::InstanceImpl* bag : {static_cast<NQENDRA20::InstanceImpl*>(&availability),
-                                       static_cast<NQENDRA20::InstanceImpl*>(&log),
-                                       static_cast<NQENDRA20::InstanceImpl*>(&user)}) {
-    const CMPIStatus status =
-        bag->invokeMethod(nullptr, nullptr, nullptr, nullptr, "RunDiagnostic", nullptr, nullptr);
-    EXPECT_EQ(status.rc, CMPI_RC_ERR_METHOD_NOT_FOUND);
-    EXPECT_EQ(status.msg, nullptr);
-  }
 }
 
 }  // namespace

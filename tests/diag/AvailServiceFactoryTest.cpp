@@ -195,7 +195,7 @@ TEST_F(AvailServiceFactoryTest, TheDefaultUsersAreTheBrokersInstancesOfTheClass)
     const CMPIData item = users->ft->getNext(users, nullptr);
     ASSERT_EQ(item.type, CMPI_instance);
     const CMPIData id = item.value.inst->ft->getProperty(item.value.inst, "DeviceID", nullptr);
-    devices.push_back(id.value.string->ft->getCharPtr(id.value.string, nullptr));
+    devices.emplace_back(id.value.string->ft->getCharPtr(id.value.string, nullptr));
   }
   EXPECT_THAT(devices, ElementsAre("disk0", "disk1", "disk2"));
   EXPECT_THAT(recording.calls,

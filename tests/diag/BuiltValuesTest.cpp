@@ -20,20 +20,6 @@ namespace {
 using cmpihost::InstanceSnapshot;
 using ::testing::SizeIs;
 
-struct Expected {
-  const char* name;
-  CMPIType type;
-  const char* mof;
-};
-
-void ExpectProperties(const InstanceSnapshot& instance, const std::vector<Expected>& expected) {
-  for (const Expected& property : expected) {
-    const cmpihost::Value& value = Prop(instance, property.name);
-    EXPECT_EQ(value.type, property.type) << property.name;
-    EXPECT_EQ(value.toMof(), property.mof) << property.name;
-  }
-}
-
 class BuiltValuesTest : public DiagHostTest {
  protected:
   BuiltValuesTest() : DiagHostTest(true) {}

@@ -76,15 +76,25 @@ TEST(DiagConcurrencyTest, FactoriesCalledAtOnceRunTheStartupOnceAndWaitForIt) {
 }
 
 // A service that sets none of its texts: each run reads (and so inserts)
-// them into the service's bag while other runs do the same.
+// them into the service's bag while other runs do the same. The first run of
+// every thread waits in the test until all have arrived, so that they go on
+// to read the texts at the same time.
 class BareService : public NQENDRA20::DiagService {
  public:
   BareService() : DiagService("DTP_DiagService", "DTP_DiagServiceRecord", "", "", "sys") {}
   unsigned int runTest(NQENDRA20::InstanceImpl& /*element*/,
                        NQENDRA20::DiagnosticRecord* record) override {
+    if (arrived_.fetch_add(1) < kThreads) {
+      while (arrived_.load() < kThreads) {
+        std::this_thread::yield();
+      }
+    }
     record->pass(1);
     return 3;
   }
+
+ private:
+  std::atomic<int> arrived_{0};
 };
 
 class DiagRunConcurrencyTest : public DiagHostTest {

@@ -70,13 +70,13 @@ void RegisterTestPlugin(cmpihost::Host& host) {
 }
 
 std::string ServiceText(const std::string& name) {
-  return "DTP_DiagService.CreationClassName=\"DTP_DiagService\",Name=\"" + name +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+  return R"(DTP_DiagService.CreationClassName="DTP_DiagService",Name=")" + name +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
 }
 
 std::string DeviceText(const std::string& deviceId) {
-  return "DTP_Device.CreationClassName=\"DTP_Device\",DeviceID=\"" + deviceId +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+  return R"(DTP_Device.CreationClassName="DTP_Device",DeviceID=")" + deviceId +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
 }
 
 std::string AvailabilityText(const std::string& service, const std::string& deviceId) {
@@ -138,14 +138,13 @@ const cmpihost::Value& Prop(const cmpihost::InstanceSnapshot& instance, const st
   return *value;
 }
 
-std::vector<std::string> NonNullNames(const cmpihost::InstanceSnapshot& instance) {
-  std::vector<std::string> names;
-  for (const cmpihost::Property& property : instance.properties) {
-    if (!property.value.isNull()) {
-      names.push_back(property.name);
-    }
+void ExpectProperties(const cmpihost::InstanceSnapshot& instance,
+                      const std::vector<Expected>& expected) {
+  for (const Expected& property : expected) {
+    const cmpihost::Value& value = Prop(instance, property.name);
+    EXPECT_EQ(value.type, property.type) << property.name;
+    EXPECT_EQ(value.toMof(), property.mof) << property.name;
   }
-  return names;
 }
 
 }  // namespace diagcore_test

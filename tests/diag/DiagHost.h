@@ -80,8 +80,16 @@ class PluginHostTest : public DiagHostTest {
 // The property of that name of `instance`; fails the test when missing.
 const cmpihost::Value& Prop(const cmpihost::InstanceSnapshot& instance, const std::string& name);
 
-// The names of an instance's properties that are not null.
-std::vector<std::string> NonNullNames(const cmpihost::InstanceSnapshot& instance);
+// One property as a client sees it: its CIM type and its MOF literal.
+struct Expected {
+  const char* name;
+  CMPIType type;
+  std::string mof;
+};
+
+// Checks each expected property of `instance`.
+void ExpectProperties(const cmpihost::InstanceSnapshot& instance,
+                      const std::vector<Expected>& expected);
 
 }  // namespace diagcore_test
 

@@ -35,7 +35,7 @@ static_assert(std::has_virtual_destructor<DiagService>::value, "the registry hol
 const char* const kInstallDate = "20240101000000.000000+000";
 
 Properties PropertiesOf(const InstanceImpl& bag) {
-  return Properties(bag.begin(), bag.end());
+  return {bag.begin(), bag.end()};
 }
 
 // A service whose test is a function of the test's choosing, and which
@@ -121,14 +121,14 @@ struct ObservingResult {
     result.ft = &table;
     table.returnData = [](const CMPIResult* rslt, const CMPIValue* data, CMPIType type) {
       auto* self = static_cast<ObservingResult*>(rslt->hdl);
-      self->calls.push_back(type == CMPI_uint32 ? "data uint32" : "data other");
+      self->calls.emplace_back(type == CMPI_uint32 ? "data uint32" : "data other");
       self->value = data->uint32;
       self->observe("data");
       return CMPIStatus{CMPI_RC_OK, nullptr};
     };
     table.returnDone = [](const CMPIResult* rslt) {
       auto* self = static_cast<ObservingResult*>(rslt->hdl);
-      self->calls.push_back("done");
+      self->calls.emplace_back("done");
       self->observe("done");
       return CMPIStatus{CMPI_RC_OK, nullptr};
     };

@@ -42,19 +42,6 @@ std::vector<std::string> Texts(const std::vector<InstanceSnapshot>& instances,
 }
 
 // One property as the client sees it: its CIM type and its MOF literal.
-struct Expected {
-  const char* name;
-  CMPIType type;
-  std::string mof;
-};
-
-void ExpectProperties(const InstanceSnapshot& instance, const std::vector<Expected>& expected) {
-  for (const Expected& property : expected) {
-    const cmpihost::Value& value = Prop(instance, property.name);
-    EXPECT_EQ(value.type, property.type) << property.name;
-    EXPECT_EQ(value.toMof(), property.mof) << property.name;
-  }
-}
 
 std::string Quote(const std::string& text) {
   return "\"" + text + "\"";

@@ -20,13 +20,13 @@ using ::testing::SizeIs;
 const std::string kPluginDir = DIAGTESTPLUGIN_DIR;
 
 std::string ServicePath(const std::string& name) {
-  return "root/cimv2:DTP_DiagService.CreationClassName=\"DTP_DiagService\",Name=\"" + name +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+  return R"(root/cimv2:DTP_DiagService.CreationClassName="DTP_DiagService",Name=")" + name +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
 }
 
 std::string DevicePath(const std::string& deviceId) {
-  return "root/cimv2:DTP_Device.CreationClassName=\"DTP_Device\",DeviceID=\"" + deviceId +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+  return R"(root/cimv2:DTP_Device.CreationClassName="DTP_Device",DeviceID=")" + deviceId +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
 }
 
 class PluginLibraryTest : public ::testing::Test {

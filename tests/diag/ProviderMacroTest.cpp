@@ -74,8 +74,6 @@ namespace diagcore_test {
 namespace {
 
 using cmpihost::Reply;
-using cmpihost::ResultEvent;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
 

@@ -28,7 +28,7 @@ RecordingBroker::~RecordingBroker() {
 }
 
 CMPIDateTime* RecordingBroker::NewDateTime(const CMPIBroker* /*broker*/, CMPIStatus* rc) {
-  current->calls.push_back("newDateTime");
+  current->calls.emplace_back("newDateTime");
   return current->real_->eft->newDateTime(current->real_, rc);
 }
 

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -12,7 +11,6 @@
 #include "diag/DiagHost.h"
 #include "diag/RecordingBroker.h"
 #include "diagcore/ServiceFactory.h"
-#include "plugin/DiagTestPlugin.h"
 
 namespace diagcore_test {
 namespace {
@@ -87,27 +85,6 @@ TEST_F(ServiceFactoryTest, WhateverTheHookThrowsPassesThrough) {
   unsigned int count = 0;
   EXPECT_THROW(factory.CreateServices(scope.broker(), scope.context(), count), std::runtime_error);
   EXPECT_EQ(factory.calls, 1);
-}
-
-TEST_F(ServiceFactoryTest, ThePluginsFactoryCreatesItsThreeServicesWithOneDateAndSystem) {
-  cmpihost::CallScope scope(host());
-  diagtestplugin::TestServiceFactory factory;
-  unsigned int count = 0;
-  const std::unique_ptr<DiagService*[]> created(
-      factory.CreateServices(scope.broker(), scope.context(), count));
-  ASSERT_EQ(count, 3U);
-  std::vector<std::unique_ptr<DiagService>> services;
-  for (unsigned int i = 0; i < count; ++i) {
-    services.emplace_back(created[i]);
-  }
-  for (const auto& service : services) {
-    EXPECT_EQ((*service)["InstallDate"], CimDateTime(FixedTime()));
-    EXPECT_EQ((*service)["SystemName"], "testhost.example");
-    EXPECT_EQ(service->getRecordClassName(), "DTP_DiagServiceRecord");
-  }
-  EXPECT_EQ((*services[0])["Name"], "Passing");
-  EXPECT_EQ((*services[1])["Name"], "Failing");
-  EXPECT_EQ((*services[2])["Name"], "Throwing");
 }
 
 // Without a computer system, the hook is called all the same, with "".

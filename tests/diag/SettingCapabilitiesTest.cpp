@@ -16,7 +16,7 @@ using NQENDRA20::DiagServiceSettingData;
 using Properties = std::map<std::string, std::string>;
 
 Properties PropertiesOf(const NQENDRA20::InstanceImpl& bag) {
-  return Properties(bag.begin(), bag.end());
+  return {bag.begin(), bag.end()};
 }
 
 const Properties kSettingDefaults = {

@@ -8,7 +8,7 @@ namespace diagtestplugin {
 namespace {
 
 std::map<std::string, std::string> PropertiesOf(const NQENDRA20::InstanceImpl& bag) {
-  return std::map<std::string, std::string>(bag.begin(), bag.end());
+  return {bag.begin(), bag.end()};
 }
 
 }  // namespace
