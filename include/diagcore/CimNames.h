@@ -11,6 +11,11 @@ extern const char* const cimNameSpace;
 // The hosting computer system's class, whose first instance names the system.
 extern const char* const cimComputerSystemClass;
 
+// The host name written into every object path the library builds: one fixed
+// word rather than the machine's name, so that path texts do not depend on
+// where the provider runs.
+extern const char* const cimHostName;
+
 }  // namespace NQENDRA20
 
 #endif  // DIAGCORE_CIMNAMES_H_

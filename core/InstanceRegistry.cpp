@@ -1,0 +1,169 @@
+#include "diagcore/InstanceRegistry.h"
+
+#include <algorithm>
+#include <cctype>
+#include <mutex>
+#include <sstream>
+
+#include "core/Trace.h"
+#include "diagcore/CMPIUtil.h"
+#include "diagcore/CimNames.h"
+#include "diagcore/InstanceBuilder.h"
+
+namespace NQENDRA20 {
+
+namespace {
+
+// Guards `containers` and every per-class container. Held only around map
+// accesses: never while the broker is called back (it may call into the
+// provider again) nor while a bag's method runs (a plug-in's test can take
+// long, and may register objects itself).
+std::mutex registryMutex;
+
+}  // namespace
+
+InstanceRegistry::Instance::Instance(InstanceImpl* impl, CMPIInstance* ci) : impl(impl), ci(ci) {}
+
+InstanceRegistry::InstanceRegistry() = default;
+
+// Frees the outer map only: entries, bags and clones may still be referred to
+// by whoever unloads the library last, so they are left alone.
+InstanceRegistry::~InstanceRegistry() = default;
+
+InstanceRegistry* InstanceRegistry::Singleton() {
+  static InstanceRegistry registry;
+  return &registry;
+}
+
+std::string InstanceRegistry::NormalizeClassName(std::string name) {
+  for (char& c : name) {
+    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  }
+  return name;
+}
+
+void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPIContext* context,
+                                        InstanceImpl* bag) {
+  const InstanceBuilder builder(cimNameSpace);
+  // Built twice on purpose: the clone operation is taken from the first
+  // build's function table and applied to the second build.
+  CMPIInstance* first = builder.build(broker, context, bag->getClassName(), *bag);
+  CMPIInstance* second = builder.build(broker, context, bag->getClassName(), *bag);
+  CMPIStatus status = {CMPI_RC_OK, nullptr};
+  CMPIInstance* clone =
+      first != nullptr && second != nullptr ? first->ft->clone(second, &status) : nullptr;
+  if (clone == nullptr) {
+    Trace(broker, CMPI_SEV_WARNING, "Could not build instance of class " + bag->getClassName());
+    return;
+  }
+
+  std::ostringstream created;
+  created << "Created instance: " << static_cast<const void*>(clone)
+          << ", hdl = " << static_cast<const void*>(clone->hdl);
+  Trace(broker, CMPI_DEV_DEBUG, created.str());
+
+  auto* entry = new Instance(bag, clone);
+  const CMPIObjectPath* path = clone->ft->getObjectPath(clone, &status);
+  const std::string classKey = NormalizeClassName(CMPIUtil::GetClassName(path));
+  const std::string pathText = CMPIUtil::GetObjectPathString(path);
+  // Written before the entry is published, so that a request served from
+  // another thread never sees the bag without its path text.
+  bag->setObjectPath(pathText);
+  {
+    const std::lock_guard<std::mutex> lock(registryMutex);
+    auto*& container = containers[classKey];
+    if (container == nullptr) {
+      container = new std::map<std::string, InstanceRegistry::Instance*>();
+    }
+    // A later registration under the same text wins; the earlier entry stays
+    // allocated, as everything once registered does.
+    (*container)[pathText] = entry;
+  }
+  Trace(broker, CMPI_DEV_DEBUG, ">>>>> Registered " + pathText);
+}
+
+InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* broker,
+                                                          const CMPIObjectPath* path) {
+  const std::string classKey = NormalizeClassName(CMPIUtil::GetClassName(path));
+  const std::string pathText = CMPIUtil::GetObjectPathString(path);
+  bool classKnown = false;
+  Instance* found = nullptr;
+  {
+    const std::lock_guard<std::mutex> lock(registryMutex);
+    auto* container = containers[classKey];
+    classKnown = container != nullptr;
+    if (classKnown) {
+      found = (*container)[pathText];
+    }
+  }
+  if (!classKnown) {
+    Trace(broker, CMPI_SEV_WARNING, " Couldn't find instanceContainer");
+  }
+  return found;
+}
+
+CMPIInstance* InstanceRegistry::GetCMPIInstance(const CMPIBroker* broker,
+                                                const CMPIObjectPath* path) {
+  Instance* entry = GetInstance(broker, path);
+  if (entry != nullptr) {
+    return entry->ci;
+  }
+  Trace(broker, CMPI_SEV_WARNING, "Didn't find instance");
+  return nullptr;
+}
+
+void InstanceRegistry::GetCMPIInstances(const CMPIBroker* /*broker*/, std::string className,
+                                        std::vector<CMPIInstance*>& out) {
+  bool sortByEnumOrder = false;
+  {
+    const std::lock_guard<std::mutex> lock(registryMutex);
+    auto* container = containers[NormalizeClassName(className)];
+    if (container == nullptr) {
+      return;
+    }
+    const Instance* firstEntry = nullptr;
+    for (const auto& slot : *container) {
+      // An empty slot is left by a lookup that missed; it holds no object.
+      if (slot.second == nullptr) {
+        continue;
+      }
+      if (firstEntry == nullptr) {
+        firstEntry = slot.second;
+      }
+      out.push_back(slot.second->ci);
+    }
+    if (out.empty() || firstEntry == nullptr) {
+      return;
+    }
+    sortByEnumOrder = firstEntry->impl->find("EnumOrder") != firstEntry->impl->end();
+  }
+  // The comparison asks the broker for property values: outside the lock.
+  if (sortByEnumOrder) {
+    std::sort(out.begin(), out.end(), CompareInstanceEnumOrder());
+  }
+}
+
+void InstanceRegistry::GetCMPIInstances(const CMPIBroker* broker, const CMPIObjectPath* path,
+                                        std::vector<CMPIInstance*>& out) {
+  GetCMPIInstances(broker, CMPIUtil::GetClassName(path), out);
+}
+
+CMPIStatus InstanceRegistry::InvokeMethod(const CMPIBroker* broker, const CMPIContext* context,
+                                          const CMPIResult* result, const CMPIObjectPath* path,
+                                          std::string methodName, const CMPIArgs* in,
+                                          CMPIArgs* out) {
+  Instance* entry = GetInstance(broker, path);
+  if (entry == nullptr) {
+    CMPIStatus notFound = {CMPI_RC_ERR_NOT_FOUND, nullptr};
+    return notFound;
+  }
+  return entry->impl->invokeMethod(broker, context, result, path, methodName, in, out);
+}
+
+bool CompareInstanceEnumOrder::operator()(CMPIInstance* a, CMPIInstance* b) const {
+  const CMPIData left = a->ft->getProperty(a, "EnumOrder", nullptr);
+  const CMPIData right = b->ft->getProperty(b, "EnumOrder", nullptr);
+  return left.value.uint32 < right.value.uint32;
+}
+
+}  // namespace NQENDRA20
