@@ -338,12 +338,15 @@ void MofStaging::addClass(const std::string& file, RawClass raw) {
                         : decl->isIndication() ? Target::kIndication
                                                : Target::kClass;
   checkScopes(file, raw.qualifiers, own, target);
-  addProperties(file, raw, *decl, super);
-  addMethods(file, raw, *decl, super);
 
+  // A class may name itself in a reference or a method parameter, so it is
+  // findable before its features are checked; a failure discards the stage.
   StagedNamespace& space = staged();
-  space.classIndex.emplace(decl->name(), decl.get());
+  ClassDecl& declared = *decl;
+  space.classIndex.emplace(declared.name(), &declared);
   space.classes.push_back(std::move(decl));
+  addProperties(file, raw, declared, super);
+  addMethods(file, raw, declared, super);
 }
 
 void MofStaging::addProperties(const std::string& file, RawClass& raw, ClassDecl& decl,

@@ -202,6 +202,26 @@ TEST_F(MofReaderTest, MethodsKeepParametersWithDirectionsAndTypes) {
   EXPECT_TRUE(current->parameters.empty());
 }
 
+TEST_F(MofReaderTest, AClassMayReferToItselfInParametersAndAssociations) {
+  const ClassDecl& node = load(R"(
+    class Test_Node {
+      [Key] string Id;
+      uint32 LinkTo([IN] Test_Node REF Other);
+      Test_Node REF Parent();
+    };)",
+                               "Test_Node");
+  EXPECT_EQ(node.findMethod("LinkTo")->parameters[0].type.refClass, "Test_Node");
+  EXPECT_EQ(node.findMethod("Parent")->returnType.refClass, "Test_Node");
+
+  const ClassDecl& link = load(R"(
+    [Association] class Test_Link {
+      [Key] Test_Link REF Previous;
+      [Key] Test_Node REF Node;
+    };)",
+                               "TEST_LINK");
+  EXPECT_EQ(link.findProperty("Previous")->type.refClass, "Test_Link");
+}
+
 TEST_F(MofReaderTest, InheritanceKeepsPositionsDefaultsAndPropagatingQualifiers) {
   reader_.loadText(R"(
     [Abstract, Version("1"), Description("base")]
