@@ -279,6 +279,14 @@ void Host::loadRegistrationFile(const std::string& path,
   std::vector<Pending> pending;
   for (const RegistrationStanza& stanza : ReadRegistrationFile(path)) {
     const std::string where = path + ":" + std::to_string(stanza.line) + ": ";
+    // A provider for a class nobody declared could never be asked; most
+    // often its MOF was loaded after this file, or into another namespace.
+    for (const ProviderRegistration& registration : stanza.registrations) {
+      if (impl_->repository.findClass(registration.nameSpace, stanza.className) == nullptr) {
+        throw HostError(where + "class " + stanza.className + " is not declared in namespace " +
+                        registration.nameSpace + " (load its MOF before the registration file)");
+      }
+    }
     const std::string library = FindProviderLibrary(stanza, path, libraryDirs);
     void* handle = dlopen(library.c_str(), RTLD_LOCAL | RTLD_NOW);
     if (handle == nullptr) {

@@ -72,7 +72,9 @@ class Host {
                                const std::string& libraryPath);
   // Reads a registration file in the small-footprint CIMOM's stanza format
   // and registers each stanza; libraries are looked up as lib<location>.so in
-  // `libraryDirs`. Throws HostError naming file, line and problem.
+  // `libraryDirs`. Every stanza's class must be loaded already in each of its
+  // namespaces. Throws HostError naming file, line and problem; a file with
+  // any error registers nothing.
   void loadRegistrationFile(const std::string& path, const std::vector<std::string>& libraryDirs);
   // Creates every registered MI that has not been created yet; throws
   // HostError naming the provider, the kind and why it was refused.
