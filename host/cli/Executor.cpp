@@ -2,9 +2,9 @@
 
 #include <strings.h>
 
-#include "cli/CmpiNames.h"
 #include "cli/PathHead.h"
 #include "cli/UsageError.h"
+#include "cmpihost/CmpiNames.h"
 #include "repository/ClassRepository.h"
 
 namespace cmpihost::cli {
@@ -24,7 +24,7 @@ bool SameName(const std::string& a, const std::string& b) {
 }
 
 std::string Failure(const VerbInfo& verb, const Status& status) {
-  std::string text = std::string(verb.operation) + " failed: " + StatusName(status.rc) + " (" +
+  std::string text = std::string(verb.operation) + " failed: " + CmpiStatusName(status.rc) + " (" +
                      std::to_string(status.rc) + ")";
   if (status.hasMessage && !status.message.empty()) {
     text += ": " + status.message;

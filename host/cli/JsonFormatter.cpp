@@ -1,7 +1,7 @@
 #include "cli/JsonFormatter.h"
 
-#include "cli/CmpiNames.h"
 #include "cli/JsonWriter.h"
+#include "cmpihost/CmpiNames.h"
 
 namespace cmpihost::cli {
 namespace {
@@ -53,7 +53,7 @@ void WriteValue(JsonWriter& json, const Value& value) {
 }
 
 void WriteTyped(JsonWriter& json, const Value& value) {
-  json.beginObject().key("type").string(TypeName(value.type)).key("value");
+  json.beginObject().key("type").string(CmpiTypeName(value.type)).key("value");
   WriteValue(json, value);
   json.endObject();
 }
