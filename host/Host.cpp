@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <cctype>
 #include <utility>
 
 #include "HostImpl.h"
@@ -246,6 +248,22 @@ void Host::loadMofText(const std::string& text, const std::string& name,
 
 const ClassRepository& Host::repository() const {
   return impl_->repository;
+}
+
+void Host::setDefaultNameSpace(const std::string& nameSpace) {
+  const bool wellFormed =
+      !nameSpace.empty() && std::all_of(nameSpace.begin(), nameSpace.end(), [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '/';
+      });
+  if (!wellFormed) {
+    throw HostError("'" + nameSpace +
+                    "' is not a namespace (letters, digits, '_' and '/', not empty)");
+  }
+  impl_->defaultNameSpace = nameSpace;
+}
+
+const std::string& Host::defaultNameSpace() const {
+  return impl_->defaultNameSpace;
 }
 
 void Host::registerProvider(const ProviderRegistration& registration,

@@ -12,12 +12,10 @@ namespace cmpihost::cli {
 struct Executor::ClassTarget {
   std::string nameSpace;
   const ClassDecl* decl = nullptr;
-  std::string text;  // the path text for the host, the default namespace filled in
+  std::string text;  // the path text as the user gave it
 };
 
 namespace {
-
-constexpr const char* kHostNameSpace = "root/cimv2";
 
 bool SameName(const std::string& a, const std::string& b) {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
@@ -147,11 +145,7 @@ Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly)
   target.nameSpace = head.nameSpace.empty() ? session_.nameSpace() : head.nameSpace;
   requireClass(target.nameSpace, head.className);
   target.decl = session_.repository().findClass(target.nameSpace, head.className);
-  // The host reads paths without a namespace as root/cimv2; leaving those
-  // as typed keeps the columns of the host's own path errors right.
-  target.text = session_.nameSpace() == kHostNameSpace
-                    ? text
-                    : WithNameSpace(text, head, session_.nameSpace());
+  target.text = text;
   return target;
 }
 

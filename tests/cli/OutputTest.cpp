@@ -100,6 +100,25 @@ TEST(OutputTest, NamespaceOptionAppliesToMofClassesAndPaths) {
   const CommandResult elsewhere = RunCmpihost(with({"gi", "root/cimv2:Cli_Shelf.Id=\"s1\""}));
   EXPECT_EQ(elsewhere.exitCode, 2);
   EXPECT_EQ(elsewhere.err, "cmpihost: gi: unknown class Cli_Shelf in namespace root/cimv2\n");
+  // The host reads the text as typed, so its columns are the user's.
+  const CommandResult bare = RunCmpihost(with({"gi", "Cli_Shelf.Id=s1"}));
+  EXPECT_EQ(bare.exitCode, 2);
+  EXPECT_EQ(bare.err,
+            "cmpihost: gi: path text 'Cli_Shelf.Id=s1': column 14: key Id: 's1' must be written "
+            "in double quotes (the value is a string)\n");
+  const CommandResult bad = RunCmpihost({"--namespace", "root test", "ecn"});
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(bad.err,
+            "cmpihost: 'root test' is not a namespace (letters, digits, '_' and '/', not "
+            "empty)\n");
+}
+
+TEST(OutputTest, MofLoadsBeforeRegistrationFilesWhateverTheOptionOrder) {
+  const CommandResult result =
+      RunCmpihost({"--lib-dir", ProviderDir(), "--providers", DataFile("clitest.reg"), "--mof",
+                   DataFile("widgets.mof"), "ein", "Cli_Widget"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(result.out, "root/cimv2:Cli_Widget.Name=\"w1\"\nroot/cimv2:Cli_Widget.Name=\"w2\"\n");
 }
 
 TEST(OutputTest, ProviderInstancesMethodsAndTrace) {
