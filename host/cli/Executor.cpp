@@ -21,11 +21,17 @@ bool SameName(const std::string& a, const std::string& b) {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
 }
 
+// "<Operation> failed: NAME (code): message". The library's entry points
+// begin their own messages with "<Operation> failed: ", which is said once.
 std::string Failure(const VerbInfo& verb, const Status& status) {
-  std::string text = std::string(verb.operation) + " failed: " + CmpiStatusName(status.rc) + " (" +
-                     std::to_string(status.rc) + ")";
-  if (status.hasMessage && !status.message.empty()) {
-    text += ": " + status.message;
+  const std::string failed = std::string(verb.operation) + " failed: ";
+  std::string text = failed + CmpiStatusName(status.rc) + " (" + std::to_string(status.rc) + ")";
+  std::string message = status.hasMessage ? status.message : std::string();
+  if (message.compare(0, failed.size(), failed) == 0) {
+    message.erase(0, failed.size());
+  }
+  if (!message.empty()) {
+    text += ": " + message;
   }
   return text;
 }
