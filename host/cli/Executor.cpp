@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include "broker/PathText.h"
 #include "cli/PathHead.h"
 #include "cli/UsageError.h"
 #include "cmpihost/CmpiNames.h"
@@ -142,6 +143,40 @@ void Executor::requireClass(const std::string& nameSpace, const std::string& cla
   }
 }
 
+void Executor::requireReference(const std::string& text, const std::string& refClass,
+                                const std::string& enclosingNameSpace,
+                                const std::string& what) const {
+  try {
+    const PathSyntax syntax = ParsePathSyntax(text);
+    const std::string nameSpace = syntax.nameSpace.empty() ? enclosingNameSpace : syntax.nameSpace;
+    const ClassDecl* decl = session_.repository().findClass(nameSpace, syntax.className);
+    if (decl == nullptr) {
+      throw UsageError("unknown class " + syntax.className + " in namespace " + nameSpace);
+    }
+    if (!session_.repository().isA(nameSpace, decl->name(), refClass)) {
+      throw UsageError("class " + decl->name() + " is neither " + refClass +
+                       " (the declared reference class) nor a subclass of it");
+    }
+    requireReferenceKeys(text, *decl, nameSpace);
+  } catch (const UsageError& error) {
+    throw UsageError(what + ": " + error.what());
+  } catch (const HostError& error) {
+    throw UsageError(what + ": " + error.what());
+  }
+}
+
+void Executor::requireReferenceKeys(const std::string& text, const ClassDecl& decl,
+                                    const std::string& nameSpace) const {
+  for (const PathSyntax::Key& key : ParsePathSyntax(text).keys) {
+    const PropertyDecl* property = decl.findProperty(key.name);
+    // Keys the class lacks, and values of other types, are the host's to report.
+    if (property != nullptr && property->type.type == CimType::kReference &&
+        !property->type.isArray) {
+      requireReference(key.text, property->type.refClass, nameSpace, "key " + property->name);
+    }
+  }
+}
+
 Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly) const {
   const PathHead head = ReadPathHead(text);
   if (classOnly && head.hasKeys) {
@@ -152,6 +187,9 @@ Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly)
   requireClass(target.nameSpace, head.className);
   target.decl = session_.repository().findClass(target.nameSpace, head.className);
   target.text = text;
+  if (head.hasKeys) {
+    requireReferenceKeys(text, *target.decl, target.nameSpace);
+  }
   return target;
 }
 
@@ -221,6 +259,13 @@ Outcome Executor::invokeMethod(const Request& request) {
   const ClassTarget target = resolve(request.target, false);
   const MethodDecl& method = RequireMethod(*target.decl, request.method);
   const std::vector<Argument> arguments = CheckedArguments(*target.decl, method, request.arguments);
+  for (const Argument& argument : arguments) {
+    const ParameterDecl& parameter = RequireInputParameter(*target.decl, method, argument.name);
+    if (parameter.type.type == CimType::kReference && !parameter.type.isArray) {
+      requireReference(argument.text, parameter.type.refClass, target.nameSpace,
+                       "argument " + parameter.name);
+    }
+  }
   std::vector<Property> out;
   const Reply reply = session_.host().invokeMethod(target.text, method.name, arguments, &out);
   if (reply.status.rc != CMPI_RC_OK) {
