@@ -2,6 +2,8 @@
 
 #include <strings.h>
 
+#include <utility>
+
 #include "broker/PathText.h"
 #include "cli/PathHead.h"
 #include "cli/UsageError.h"
@@ -36,6 +38,24 @@ std::string Failure(const VerbInfo& verb, const Status& status) {
   }
   return text;
 }
+
+Outcome Printed(std::string output) {
+  Outcome outcome;
+  outcome.output = std::move(output);
+  return outcome;
+}
+
+Outcome Failed(std::string failure) {
+  Outcome outcome;
+  outcome.failure = std::move(failure);
+  return outcome;
+}
+
+// The library's association providers serve only requests that name the
+// association class, so an unfiltered empty answer usually means that.
+constexpr const char* kNoAssocClassHint =
+    "hint: the library's providers answer nothing when the request names no association "
+    "class; name one with --assoc-class";
 
 std::string NameList(const std::vector<std::string>& names) {
   std::string text;
@@ -209,7 +229,7 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
   for (const ClassDecl* decl : classes) {
     names.push_back(decl->name());
   }
-  return Outcome{formatter_.classNames(names), ""};
+  return Printed(formatter_.classNames(names));
 }
 
 Outcome Executor::enumerateInstances(const Request& request) {
@@ -269,10 +289,10 @@ Outcome Executor::invokeMethod(const Request& request) {
   std::vector<Property> out;
   const Reply reply = session_.host().invokeMethod(target.text, method.name, arguments, &out);
   if (reply.status.rc != CMPI_RC_OK) {
-    return Outcome{"", Failure(*request.verb, reply.status)};
+    return Failed(Failure(*request.verb, reply.status));
   }
   const std::vector<Value> data = reply.data();
-  return Outcome{formatter_.methodResult(data.empty() ? nullptr : &data.front(), out), ""};
+  return Printed(formatter_.methodResult(data.empty() ? nullptr : &data.front(), out));
 }
 
 Outcome Executor::associate(const Request& request) {
@@ -301,7 +321,14 @@ Outcome Executor::associate(const Request& request) {
       reply = host.referenceNames(target.text, filter);
       names = true;
   }
-  return listed(*request.verb, reply, names);
+  Outcome outcome = listed(*request.verb, reply, names);
+  const bool associators =
+      request.verb->verb == Verb::kAssociators || request.verb->verb == Verb::kAssociatorNames;
+  if (associators && !filter.assocClass && reply.status.rc == CMPI_RC_OK &&
+      reply.instances().empty() && reply.paths().empty()) {
+    outcome.hint = kNoAssocClassHint;
+  }
+  return outcome;
 }
 
 }  // namespace cmpihost::cli

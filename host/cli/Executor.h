@@ -16,6 +16,7 @@ namespace cmpihost::cli {
 struct Outcome {
   std::string output;   // for standard output; may be empty
   std::string failure;  // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  std::string hint;     // advice for standard error about an answer that looks wrong
 };
 
 class Executor {

@@ -145,6 +145,9 @@ bool ScriptRunner::runCommand(const std::vector<std::string>& words, const Scrip
   const Outcome outcome = executor_.run(ParseRequest(words));
   progress_.clear();
   out_ << outcome.output << std::flush;
+  if (!outcome.hint.empty()) {
+    err_ << "cmpihost: " << where << ": " << outcome.hint << '\n';
+  }
   if (!outcome.failure.empty()) {
     err_ << "cmpihost: " << where << ": " << outcome.failure << '\n';
     return false;

@@ -141,7 +141,9 @@ TEST(OutputTest, ProviderInstancesMethodsAndTrace) {
 TEST(OutputTest, AssociationsAndTheirFilters) {
   const std::string widget = "Cli_Widget.Name=\"w1\"";
   ExpectSuccess(RunCmpihost(WithProvider({"ain", widget})), "root/cimv2:Cli_Shelf.Id=\"s1\"\n");
-  ExpectSuccess(RunCmpihost(WithProvider({"ain", widget, "--result-class", "Cli_Gadget"})), "");
+  ExpectSuccess(RunCmpihost(WithProvider({"ain", widget, "--assoc-class", "Cli_WidgetOnShelf",
+                                          "--result-class", "Cli_Gadget"})),
+                "");
   ExpectSuccess(RunCmpihost(WithProvider({"ai", widget, "--assoc-class=Cli_WidgetOnShelf"})),
                 "// root/cimv2:Cli_Shelf.Id=\"s1\"\n"
                 "instance of Cli_Shelf {\n"
@@ -163,6 +165,28 @@ TEST(OutputTest, AssociationsAndTheirFilters) {
                                 "\"root/cimv2:Cli_Widget.Name=\\\"w1\\\"\"}"),
             std::string::npos)
       << references.out;
+}
+
+TEST(OutputTest, AnEmptyAnswerWithoutAnAssociationClassGetsAHint) {
+  const std::string widget = "Cli_Widget.Name=\"w1\"";
+  const std::string hint =
+      "cmpihost: hint: the library's providers answer nothing when the request names no "
+      "association class; name one with --assoc-class\n";
+  for (const char* verb : {"ai", "ain"}) {
+    const CommandResult empty =
+        RunCmpihost(WithProvider({verb, widget, "--result-class", "Cli_Gadget"}));
+    EXPECT_EQ(empty.exitCode, 0) << verb;
+    EXPECT_EQ(empty.out, "") << verb;
+    EXPECT_EQ(empty.err, hint) << verb;
+  }
+  // Nothing to advise when something came back, or for references.
+  ExpectSuccess(RunCmpihost(WithProvider({"ain", widget})), "root/cimv2:Cli_Shelf.Id=\"s1\"\n");
+  ExpectSuccess(RunCmpihost(WithProvider({"rin", widget, "--role", "Shelf"})), "");
+  // A failed request gets its failure only.
+  const CommandResult failed = RunCmpihost(WithMof({"ain", widget}));
+  EXPECT_EQ(failed.exitCode, 1);
+  EXPECT_EQ(failed.err.rfind("cmpihost: AssociatorNames failed: ", 0), 0U) << failed.err;
+  EXPECT_EQ(failed.err.find("hint"), std::string::npos) << failed.err;
 }
 
 TEST(OutputTest, FailedRequestsExitOneWithTheStatus) {
