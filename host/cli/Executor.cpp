@@ -256,6 +256,7 @@ Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) c
     const std::vector<InstanceSnapshot> instances = reply.instances();
     if (outcome.failure.empty() || !instances.empty()) {
       outcome.output = formatter_.instances(instances);
+      outcome.instances = !instances.empty();
     }
   }
   return outcome;
@@ -271,6 +272,7 @@ Outcome Executor::getInstance(const Request& request) {
   const std::vector<InstanceSnapshot> instances = reply.instances();
   if (!instances.empty()) {
     outcome.output = formatter_.instance(instances.front());
+    outcome.instances = true;
   }
   return outcome;
 }

@@ -14,9 +14,10 @@
 namespace cmpihost::cli {
 
 struct Outcome {
-  std::string output;   // for standard output; may be empty
-  std::string failure;  // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
-  std::string hint;     // advice for standard error about an answer that looks wrong
+  std::string output;      // for standard output; may be empty
+  std::string failure;     // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  std::string hint;        // advice for standard error about an answer that looks wrong
+  bool instances = false;  // `output` shows instances (a script separates such runs)
 };
 
 class Executor {

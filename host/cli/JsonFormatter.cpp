@@ -131,4 +131,8 @@ std::string JsonFormatter::echo(const std::string& text) const {
   return json.text() + "\n";
 }
 
+std::string JsonFormatter::listingSeparator() const {
+  return "";  // one JSON text per line already
+}
+
 }  // namespace cmpihost::cli

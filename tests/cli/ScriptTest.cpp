@@ -104,6 +104,38 @@ TEST(ScriptTest, ProvidersOfClassesNotYetLoadedAreRefused) {
                             "its MOF before the registration file)\n");
 }
 
+TEST(ScriptTest, SuccessiveInstanceListingsAreSeparatedByABlankLine) {
+  ScratchDir scratch;
+  const std::string script = scratch.write("listings.cmpihost",
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "ei Cli_Gadget\n"
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "ein Cli_Shelf\n"
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "echo end\n");
+  const std::string shelf =
+      "// root/cimv2:Cli_Shelf.Id=\"s2\"\n"
+      "instance of Cli_Shelf {\n"
+      "    Id = \"s2\";\n"
+      "    Location = NULL;\n"
+      "    Height = NULL;\n"
+      "    Installed = NULL;\n"
+      "    Offset = NULL;\n"
+      "    Row = NULL;\n"
+      "    Levels = NULL;\n"
+      "};\n";
+  const CommandResult result = RunCmpihost(WithMof({"run", script}));
+  EXPECT_EQ(result.exitCode, 1) << result.err;  // nothing serves Cli_Gadget
+  // A failed request that printed nothing does not part two listings.
+  EXPECT_EQ(result.out, shelf + "\n" + shelf + "\n" + shelf +
+                            "root/cimv2:Cli_Shelf.Id=\"s1\"\nroot/cimv2:Cli_Shelf.Id=\"s2\"\n" +
+                            shelf + "end\n");
+  // JSON gives one text per line already.
+  const CommandResult json = RunCmpihost(WithMof({"--json", "run", script}));
+  EXPECT_EQ(json.out.find("\n\n"), std::string::npos) << json.out;
+}
+
 TEST(ScriptTest, HintsNameTheScriptLine) {
   ScratchDir scratch;
   const std::string script = scratch.write(
