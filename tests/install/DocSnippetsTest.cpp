@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kSourceDir = DIAGCORE_SOURCE_DIR;
+constexpr const char* kSourceDir = DIAGCORE_SOURCE_DIR;
 
 std::string ReadFile(const fs::path& path) {
   std::ifstream in(path);
@@ -55,8 +55,8 @@ std::vector<Block> BlocksOf(const fs::path& document) {
       source = match[1];
     } else if (line.rfind("```", 0) == 0) {
       inBlock = true;
-      blocks.push_back(
-          Block{fs::relative(document, kSourceDir).string(), number, line.substr(3), source, ""});
+      blocks.push_back(Block{fs::relative(document, fs::path(kSourceDir)).string(), number,
+                             line.substr(3), source, ""});
       source.clear();
     } else if (!line.empty()) {
       source.clear();  // a marker names the block right after it
@@ -66,9 +66,9 @@ std::vector<Block> BlocksOf(const fs::path& document) {
 }
 
 std::vector<fs::path> Documents() {
-  std::vector<fs::path> documents = {kSourceDir / "README.md"};
-  if (fs::is_directory(kSourceDir / "docs")) {
-    for (const fs::directory_entry& entry : fs::directory_iterator(kSourceDir / "docs")) {
+  std::vector<fs::path> documents = {fs::path(kSourceDir) / "README.md"};
+  if (fs::is_directory(fs::path(kSourceDir) / "docs")) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(kSourceDir) / "docs")) {
       if (entry.path().extension() == ".md") {
         documents.push_back(entry.path());
       }
@@ -89,7 +89,7 @@ TEST(DocSnippetsTest, EveryMarkedBlockIsARunOfLinesOfTheFileItNames) {
         continue;
       }
       ++marked;
-      const fs::path source = kSourceDir / block.source;
+      const fs::path source = fs::path(kSourceDir) / block.source;
       ASSERT_TRUE(fs::is_regular_file(source)) << where << ": no file " << block.source;
       EXPECT_NE(("\n" + ReadFile(source)).find("\n" + block.text), std::string::npos)
           << where << ": the block is not a run of lines of " << block.source << ":\n"

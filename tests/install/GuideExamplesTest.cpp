@@ -31,13 +31,13 @@ extern "C" const char* __lsan_default_suppressions() {
 namespace diagcore_test {
 namespace {
 
-const std::string kPluginDir = DIAGCORE_SOURCE_DIR "/tests/install/plugin";
+constexpr const char* kPluginDir = DIAGCORE_SOURCE_DIR "/tests/install/plugin";
 
 class GuideExamplesTest : public ::testing::Test {
  protected:
   GuideExamplesTest() {
     host_.loadMof(DIAGCORE_SOURCE_DIR "/schema/diagcore.mof");
-    host_.loadMof(kPluginDir + "/tinydiag.mof");
+    host_.loadMof(std::string(kPluginDir) + "/tinydiag.mof");
   }
 
   cmpihost::Host host_;
