@@ -99,5 +99,31 @@ TEST(DocSnippetsTest, EveryMarkedBlockIsARunOfLinesOfTheFileItNames) {
   EXPECT_GT(marked, 0U);
 }
 
+// What .ci/run does with the README: from the marker to the first line that
+// ends in ``` (sed's range), the first line that is neither a marker nor a
+// fence. A bare ``` opening the block would end the range at once.
+std::string CommandAfter(const std::string& marker) {
+  std::istringstream in(ReadFile(fs::path(kSourceDir) / "README.md"));
+  std::string line;
+  while (std::getline(in, line) && line != marker) {
+  }
+  while (std::getline(in, line)) {
+    const bool fence = line.rfind("```", 0) == 0;
+    if (!fence && line.rfind("<!--", 0) != 0) {
+      return line;
+    }
+    if (line.size() >= 3 && line.compare(line.size() - 3, 3, "```") == 0) {
+      return "";
+    }
+  }
+  return "";
+}
+
+TEST(DocSnippetsTest, CiReadsTheReadmeCommandsAsWritten) {
+  EXPECT_EQ(CommandAfter("<!-- demo-command -->"), "cmake --workflow --preset demo");
+  EXPECT_EQ(CommandAfter("<!-- test-command -->"),
+            "cmake --workflow --preset test && cmake --workflow --preset test-asan");
+}
+
 }  // namespace
 }  // namespace diagcore_test
