@@ -63,3 +63,24 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/diagcore.pc.in ${PROJECT_BINARY_DIR}/
 configure_file(${PROJECT_SOURCE_DIR}/cmake/cmpihost.pc.in ${PROJECT_BINARY_DIR}/cmpihost.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/diagcore.pc ${PROJECT_BINARY_DIR}/cmpihost.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The example plug-in: its library in a provider folder of its own (it finds
+# libdiagcore one level up), and its MOF, deploy files and demo beside the
+# schema, so that an administrator has everything the deploy README names.
+if(TARGET filesystemdiag)
+  set(DIAGCORE_FSD_DATADIR ${DIAGCORE_INSTALL_DATADIR}/examples/filesystem-diag)
+  install(TARGETS filesystemdiag LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/diagcore)
+  install(FILES ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/mof/filesystemdiag.mof
+    DESTINATION ${DIAGCORE_FSD_DATADIR}/mof)
+  install(FILES
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/deploy/filesystemdiag.reg
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/deploy/filesystemdiag-registration.mof
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/deploy/README.md
+    DESTINATION ${DIAGCORE_FSD_DATADIR}/deploy)
+  install(FILES
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/demo.cmpihost.in
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/README.md
+    DESTINATION ${DIAGCORE_FSD_DATADIR})
+  install(PROGRAMS ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/demo.sh
+    DESTINATION ${DIAGCORE_FSD_DATADIR})
+endif()
