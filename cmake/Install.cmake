@@ -6,6 +6,16 @@ include(CMakePackageConfigHelpers)
 set(DIAGCORE_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/diagcore)
 set(DIAGCORE_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/diagcore)
 
+# find_package(diagcore) promises diagcore::cmpihost and diagcore::cmpi, the
+# names the build tree's aliases use, not the targets' own names.
+set_target_properties(cmpihost_lib PROPERTIES EXPORT_NAME cmpihost)
+set_target_properties(cmpi_headers PROPERTIES EXPORT_NAME cmpi)
+# Installed programs find libcmpihost and libdiagcore beside them, wherever
+# the tree is installed or moved to, without LD_LIBRARY_PATH.
+if(TARGET cmpihost)
+  set_target_properties(cmpihost PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+endif()
+
 install(TARGETS diagcore cmpihost_lib cmpihost_repository cmpi_headers
   EXPORT diagcoreTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -28,6 +38,7 @@ install(FILES
     ${PROJECT_SOURCE_DIR}/host/repository/StaticInstance.h
     ${PROJECT_SOURCE_DIR}/host/repository/ClassRepository.h
     ${PROJECT_SOURCE_DIR}/host/repository/MofReader.h
+    ${PROJECT_SOURCE_DIR}/host/repository/NoCase.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cmpihost/repository)
 # Plug-ins compile against the same CMPI headers the library was built with.
 install(DIRECTORY ${DIAGCORE_CMPI_INCLUDE_DIR}/
