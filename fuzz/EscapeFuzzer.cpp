@@ -41,7 +41,7 @@ void CheckPathString(const std::string& deviceId) {
   value.string = broker->eft->newString(broker, deviceId.c_str(), nullptr);
   path->ft->addKey(path, "DeviceID", &value, CMPI_string);
   const std::string expected =
-      "FZ_Element.CreationClassName=\"FZ_Element\",DeviceID=\"" + deviceId + "\"";
+      R"(FZ_Element.CreationClassName="FZ_Element",DeviceID=")" + deviceId + "\"";
   diagcore_fuzz::RequireEqual(NQENDRA20::CMPIUtil::GetObjectPathString(path), expected,
                               "the path text holds the key value exactly");
 }

@@ -5,11 +5,9 @@
 
 namespace diagcore_fuzz {
 
-void Require(bool holds, const char* what) {
-  if (!holds) {
-    std::fprintf(stderr, "broken invariant: %s\n", what);
-    std::abort();
-  }
+void Fail(const char* what) {
+  std::fprintf(stderr, "broken invariant: %s\n", what);
+  std::abort();
 }
 
 namespace {
@@ -39,12 +37,12 @@ void RequireEqual(const std::string& actual, const std::string& expected, const 
   if (actual != expected) {
     std::fprintf(stderr, "actual:   \"%s\"\nexpected: \"%s\"\n", Printable(actual).c_str(),
                  Printable(expected).c_str());
-    Require(false, what);
+    Fail(what);
   }
 }
 
 std::string InputText(const std::uint8_t* data, std::size_t size) {
-  return std::string(reinterpret_cast<const char*>(data), size);
+  return {reinterpret_cast<const char*>(data), size};
 }
 
 std::string InputCText(const std::uint8_t* data, std::size_t size) {

@@ -10,9 +10,16 @@
 
 namespace diagcore_fuzz {
 
-// Aborts, naming `what` on standard error, unless `holds`: libFuzzer keeps
-// the input as a crash, as it does for a sanitizer report.
-void Require(bool holds, const char* what);
+// Aborts, naming `what` on standard error: libFuzzer keeps the input as a
+// crash, as it does for a sanitizer report.
+[[noreturn]] void Fail(const char* what);
+
+// Fail(what) unless `holds`. Inline, so that analysers see it end the run.
+inline void Require(bool holds, const char* what) {
+  if (!holds) {
+    Fail(what);
+  }
+}
 
 // Require(actual == expected, what), printing both texts when they differ.
 void RequireEqual(const std::string& actual, const std::string& expected, const char* what);

@@ -5,8 +5,6 @@
 // copy of a pointer on the main thread's stack hides a leak.
 #include <cstdio>
 #include <cstring>
-#include <functional>
-#include <map>
 #include <string>
 #include <thread>
 
@@ -100,7 +98,12 @@ void RegisterKeptObjects(cmpihost::Host& host) {
 
 void LeakNothing(cmpihost::Host& /*host*/) {}
 
-const std::map<std::string, std::function<void(cmpihost::Host&)>> kCases = {
+struct ProbeCase {
+  const char* name;
+  void (*run)(cmpihost::Host&);
+};
+
+const ProbeCase kCases[] = {
     {"kept-only", LeakNothing},
     {"unregistered-bag", LeakAnUnregisteredBag},
     {"refused-bag", LeakARefusedBag},
@@ -111,8 +114,13 @@ const std::map<std::string, std::function<void(cmpihost::Host&)>> kCases = {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const auto found = argc == 2 ? kCases.find(argv[1]) : kCases.end();
-  if (found == kCases.end()) {
+  const ProbeCase* chosen = nullptr;
+  for (const ProbeCase& probeCase : kCases) {
+    if (argc == 2 && std::strcmp(argv[1], probeCase.name) == 0) {
+      chosen = &probeCase;
+    }
+  }
+  if (chosen == nullptr) {
     std::fprintf(stderr,
                  "usage: leak_probe kept-only|unregistered-bag|refused-bag|"
                  "built-clone|during-registration\n");
@@ -123,9 +131,9 @@ int main(int argc, char** argv) {
                       diagcore_test::SourcePath("tests/core/data/core.mof")};
   options.logBound = 0;
   diagcore_test::ProviderHost provider(options);
-  std::thread([&provider, &found]() {
+  std::thread([&provider, chosen]() {
     RegisterKeptObjects(provider.host());
-    found->second(provider.host());
+    chosen->run(provider.host());
   }).join();
   return 0;
 }
