@@ -6,6 +6,16 @@ include(CMakePackageConfigHelpers)
 set(DIAGCORE_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/diagcore)
 set(DIAGCORE_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/diagcore)
 
+# find_package(diagcore) promises diagcore::cmpihost and diagcore::cmpi, the
+# names the build tree's aliases use, not the targets' own names.
+set_target_properties(cmpihost_lib PROPERTIES EXPORT_NAME cmpihost)
+set_target_properties(cmpi_headers PROPERTIES EXPORT_NAME cmpi)
+# Installed programs find libcmpihost and libdiagcore beside them, wherever
+# the tree is installed or moved to, without LD_LIBRARY_PATH.
+if(TARGET cmpihost)
+  set_target_properties(cmpihost PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+endif()
+
 install(TARGETS diagcore cmpihost_lib cmpihost_repository cmpi_headers
   EXPORT diagcoreTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -28,6 +38,7 @@ install(FILES
     ${PROJECT_SOURCE_DIR}/host/repository/StaticInstance.h
     ${PROJECT_SOURCE_DIR}/host/repository/ClassRepository.h
     ${PROJECT_SOURCE_DIR}/host/repository/MofReader.h
+    ${PROJECT_SOURCE_DIR}/host/repository/NoCase.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cmpihost/repository)
 # Plug-ins compile against the same CMPI headers the library was built with.
 install(DIRECTORY ${DIAGCORE_CMPI_INCLUDE_DIR}/
@@ -52,3 +63,24 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/diagcore.pc.in ${PROJECT_BINARY_DIR}/
 configure_file(${PROJECT_SOURCE_DIR}/cmake/cmpihost.pc.in ${PROJECT_BINARY_DIR}/cmpihost.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/diagcore.pc ${PROJECT_BINARY_DIR}/cmpihost.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The example plug-in: its library in a provider folder of its own (it finds
+# libdiagcore one level up), and its MOF, deploy files and demo beside the
+# schema, so that an administrator has everything the deploy README names.
+if(TARGET filesystemdiag)
+  set(DIAGCORE_FSD_DATADIR ${DIAGCORE_INSTALL_DATADIR}/examples/filesystem-diag)
+  install(TARGETS filesystemdiag LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/diagcore)
+  install(FILES ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/mof/filesystemdiag.mof
+    DESTINATION ${DIAGCORE_FSD_DATADIR}/mof)
+  install(FILES
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/deploy/filesystemdiag.reg
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/deploy/filesystemdiag-registration.mof
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/deploy/README.md
+    DESTINATION ${DIAGCORE_FSD_DATADIR}/deploy)
+  install(FILES
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/demo.cmpihost.in
+      ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/README.md
+    DESTINATION ${DIAGCORE_FSD_DATADIR})
+  install(PROGRAMS ${PROJECT_SOURCE_DIR}/examples/filesystem-diag/demo.sh
+    DESTINATION ${DIAGCORE_FSD_DATADIR})
+endif()

@@ -1,6 +1,7 @@
 // The CMPI management-interface functions of the library.
 //
-// A plug-in builds its CMPIInstanceMI and CMPIMethodMI function tables from
+// A plug-in builds its CMPIInstanceMI, CMPIMethodMI and CMPIAssociationMI
+// function tables (DIAGCORE_PROVIDER in DiagProvider.h does it) from
 // small functions that pass the broker it was created with, followed by the
 // MI call's own arguments, to these. The library defines no MI factory.
 //
@@ -72,5 +73,46 @@ CMPI_EXTERN_C CMPIStatus DiagServiceProviderCommonInvokeMethod(
     const CMPIBroker* broker, CMPIMethodMI* mi, const CMPIContext* context,
     const CMPIResult* result, const CMPIObjectPath* path, const char* methodName,
     const CMPIArgs* in, CMPIArgs* out);
+
+// --- association MI ---
+//
+// Associations are registered objects of an association class whose
+// reference properties hold object paths. Associator requests deliver the
+// association objects themselves (not the objects at their far ends), in the
+// registry's order, then returnDone once.
+
+// Nothing to clean up: CMPI_RC_OK.
+CMPI_EXTERN_C CMPIStatus DiagServiceProviderCommonAssociationCleanup(const CMPIBroker* broker,
+                                                                     CMPIAssociationMI* mi,
+                                                                     const CMPIContext* context,
+                                                                     CMPIBoolean terminating);
+
+// Every registered object of `assocClass` (no subclasses) that has a
+// reference to `source` (in the property `role`, or in any reference property
+// when `role` is null) and, when `resultClass` is given, a reference to an
+// object of that class or a subclass (in `resultRole`, or in any). Each
+// reference compared with the source writes three traces. Always CMPI_RC_OK;
+// a request without an association class delivers nothing and traces a
+// warning. The property list is not applied.
+CMPI_EXTERN_C CMPIStatus DiagServiceProviderCommonAssociators(
+    const CMPIBroker* broker, CMPIAssociationMI* mi, const CMPIContext* context,
+    const CMPIResult* result, const CMPIObjectPath* source, const char* assocClass,
+    const char* resultClass, const char* role, const char* resultRole, const char** properties);
+
+// The object paths of the objects Associators would deliver, in its order.
+CMPI_EXTERN_C CMPIStatus DiagServiceProviderCommonAssociatorNames(
+    const CMPIBroker* broker, CMPIAssociationMI* mi, const CMPIContext* context,
+    const CMPIResult* result, const CMPIObjectPath* source, const char* assocClass,
+    const char* resultClass, const char* role, const char* resultRole);
+
+// Reference requests are not served: CMPI_RC_ERR_NOT_SUPPORTED.
+CMPI_EXTERN_C CMPIStatus DiagServiceProviderCommonReferences(
+    const CMPIBroker* broker, CMPIAssociationMI* mi, const CMPIContext* context,
+    const CMPIResult* result, const CMPIObjectPath* source, const char* resultClass,
+    const char* role, const char** properties);
+CMPI_EXTERN_C CMPIStatus DiagServiceProviderCommonReferenceNames(
+    const CMPIBroker* broker, CMPIAssociationMI* mi, const CMPIContext* context,
+    const CMPIResult* result, const CMPIObjectPath* source, const char* resultClass,
+    const char* role);
 
 #endif  // DIAGCORE_DIAGSERVICEPROVIDERCOMMON_H_

@@ -14,11 +14,11 @@ namespace cmpihost {
 struct Value {
   CMPIType type = CMPI_null;
   CMPIValueState state = CMPI_nullValue;
-  bool boolean = false;        // CMPI_boolean
-  std::uint64_t uint = 0;      // CMPI_uint8 .. CMPI_uint64, CMPI_char16
-  std::int64_t sint = 0;       // CMPI_sint8 .. CMPI_sint64
-  double real = 0.0;           // CMPI_real32, CMPI_real64
-  std::string text;            // string chars, date-time text, reference path text (toString form)
+  bool boolean = false;         // CMPI_boolean
+  std::uint64_t uint = 0;       // CMPI_uint8 .. CMPI_uint64, CMPI_char16
+  std::int64_t sint = 0;        // CMPI_sint8 .. CMPI_sint64
+  double real = 0.0;            // CMPI_real32, CMPI_real64
+  std::string text;             // string chars, date-time text, reference path text (toString form)
   std::vector<Value> elements;  // arrays (type has CMPI_ARRAY)
 
   bool isNull() const { return (state & CMPI_nullValue) != 0; }

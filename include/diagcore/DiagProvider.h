@@ -1,0 +1,146 @@
+// DIAGCORE_PROVIDER: the MI factories of a diagnostic plug-in, in one line.
+//
+// A plug-in expands the macro once, at namespace scope in one source file:
+//
+//   void StartMyPlugin(const CMPIBroker* broker, const CMPIContext* context) {
+//     ... create and register services, setting data, capabilities and
+//     availability associations ...
+//   }
+//   DIAGCORE_PROVIDER(MyPlugin, StartMyPlugin);
+//
+// This defines, with C linkage and default visibility, MyPlugin_Create_InstanceMI,
+// MyPlugin_Create_MethodMI and MyPlugin_Create_AssociationMI, the names a CIMOM
+// looks up for the provider "MyPlugin". Each returns a static MI (miName
+// "instance", "method" or "association" followed by the provider name) whose
+// table passes every call to the DiagServiceProviderCommon function of the
+// same operation. The first factory call runs the start-up function, once per
+// process: other threads wait for it, and a factory call made from inside the
+// start-up returns at once. When start-up throws, that call and every later
+// one return null with CMPI_RC_ERR_FAILED and the message
+// "Start-up of plug-in MyPlugin failed: <what>"; start-up is not retried.
+#ifndef DIAGCORE_DIAGPROVIDER_H_
+#define DIAGCORE_DIAGPROVIDER_H_
+
+#include <cmpidt.h>
+#include <cmpift.h>
+#include <cmpios.h>
+
+#include <cstddef>
+
+namespace NQENDRA20 {
+
+// The MI functions in CMPI's signatures, for the tables DIAGCORE_PROVIDER
+// builds. Each takes the broker from its MI's hdl, where the factory put it,
+// and passes it with the call's arguments to DiagServiceProviderCommon*.
+namespace mi_table {
+
+CMPIStatus InstanceCleanup(CMPIInstanceMI* mi, const CMPIContext* context, CMPIBoolean terminating);
+CMPIStatus EnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* context,
+                             const CMPIResult* result, const CMPIObjectPath* reference);
+CMPIStatus EnumInstances(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
+                         const CMPIObjectPath* reference, const char** properties);
+CMPIStatus GetInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
+                       const CMPIObjectPath* path, const char** properties);
+CMPIStatus CreateInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
+                          const CMPIObjectPath* path, const CMPIInstance* instance);
+CMPIStatus ModifyInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
+                          const CMPIObjectPath* path, const CMPIInstance* instance,
+                          const char** properties);
+CMPIStatus DeleteInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
+                          const CMPIObjectPath* path);
+CMPIStatus ExecQuery(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
+                     const CMPIObjectPath* reference, const char* query, const char* language);
+
+CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext* context, CMPIBoolean terminating);
+CMPIStatus InvokeMethod(CMPIMethodMI* mi, const CMPIContext* context, const CMPIResult* result,
+                        const CMPIObjectPath* path, const char* methodName, const CMPIArgs* in,
+                        CMPIArgs* out);
+
+CMPIStatus AssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* context,
+                              CMPIBoolean terminating);
+CMPIStatus Associators(CMPIAssociationMI* mi, const CMPIContext* context, const CMPIResult* result,
+                       const CMPIObjectPath* source, const char* assocClass,
+                       const char* resultClass, const char* role, const char* resultRole,
+                       const char** properties);
+CMPIStatus AssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                           const CMPIResult* result, const CMPIObjectPath* source,
+                           const char* assocClass, const char* resultClass, const char* role,
+                           const char* resultRole);
+CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext* context, const CMPIResult* result,
+                      const CMPIObjectPath* source, const char* resultClass, const char* role,
+                      const char** properties);
+CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                          const CMPIResult* result, const CMPIObjectPath* source,
+                          const char* resultClass, const char* role);
+
+}  // namespace mi_table
+
+// The once-flag of one plug-in's start-up. DIAGCORE_PROVIDER defines one per
+// plug-in; it is constant-initialised, so a factory may be called at any time.
+class ProviderStartup {
+ public:
+  using Function = void (*)(const CMPIBroker*, const CMPIContext*);
+
+  constexpr ProviderStartup(const char* pluginName, Function startup) noexcept
+      : pluginName_(pluginName), startup_(startup) {}
+  ProviderStartup(const ProviderStartup&) = delete;
+  ProviderStartup& operator=(const ProviderStartup&) = delete;
+
+  // Called by each factory with its MI: stores `broker` in the MI's hdl, runs
+  // the start-up function if no call has yet, and tells whether the plug-in
+  // is usable. Sets `*rc` (when not null) to CMPI_RC_OK, or to
+  // CMPI_RC_ERR_FAILED with the start-up's failure. Never throws.
+  bool Activate(CMPIInstanceMI* mi, const CMPIBroker* broker, const CMPIContext* context,
+                CMPIStatus* rc) noexcept;
+  bool Activate(CMPIMethodMI* mi, const CMPIBroker* broker, const CMPIContext* context,
+                CMPIStatus* rc) noexcept;
+  bool Activate(CMPIAssociationMI* mi, const CMPIBroker* broker, const CMPIContext* context,
+                CMPIStatus* rc) noexcept;
+
+ private:
+  enum class State { kNotRun, kRunning, kDone, kFailed };
+  static constexpr std::size_t kFailureSize = 512;
+
+  template <typename Mi>
+  bool Start(Mi* mi, const CMPIBroker* broker, const CMPIContext* context, CMPIStatus* rc) noexcept;
+  void Run(const CMPIBroker* broker, const CMPIContext* context) noexcept;
+  void Fail(const char* what) noexcept;
+
+  const char* pluginName_;
+  Function startup_;
+  State state_ = State::kNotRun;
+  const void* runner_ = nullptr;  // the thread running start-up, while it runs
+  char failure_[kFailureSize] = {};
+};
+
+}  // namespace NQENDRA20
+
+// The static MI table of one kind, and its factory. Internal to the macro.
+#define DIAGCORE_PROVIDER_FACTORY_(Name, MiType, TableType, kind, ...)                         \
+  CMPI_EXTERN_C MiType* Name##_Create_##kind##MI(const CMPIBroker* broker,                     \
+                                                 const CMPIContext* context, CMPIStatus* rc) { \
+    static TableType table = {__VA_ARGS__};                                                    \
+    static MiType mi = {nullptr, &table};                                                      \
+    return Name##_diagcoreStartup.Activate(&mi, broker, context, rc) ? &mi : nullptr;          \
+  }
+
+#define DIAGCORE_PROVIDER(Name, startup)                                                        \
+  static NQENDRA20::ProviderStartup Name##_diagcoreStartup(#Name, startup);                     \
+  DIAGCORE_PROVIDER_FACTORY_(                                                                   \
+      Name, CMPIInstanceMI, CMPIInstanceMIFT, Instance, CMPICurrentVersion, CMPICurrentVersion, \
+      "instance" #Name, NQENDRA20::mi_table::InstanceCleanup,                                   \
+      NQENDRA20::mi_table::EnumInstanceNames, NQENDRA20::mi_table::EnumInstances,               \
+      NQENDRA20::mi_table::GetInstance, NQENDRA20::mi_table::CreateInstance,                    \
+      NQENDRA20::mi_table::ModifyInstance, NQENDRA20::mi_table::DeleteInstance,                 \
+      NQENDRA20::mi_table::ExecQuery)                                                           \
+  DIAGCORE_PROVIDER_FACTORY_(                                                                   \
+      Name, CMPIMethodMI, CMPIMethodMIFT, Method, CMPICurrentVersion, CMPICurrentVersion,       \
+      "method" #Name, NQENDRA20::mi_table::MethodCleanup, NQENDRA20::mi_table::InvokeMethod)    \
+  DIAGCORE_PROVIDER_FACTORY_(                                                                   \
+      Name, CMPIAssociationMI, CMPIAssociationMIFT, Association, CMPICurrentVersion,            \
+      CMPICurrentVersion, "association" #Name, NQENDRA20::mi_table::AssociationCleanup,         \
+      NQENDRA20::mi_table::Associators, NQENDRA20::mi_table::AssociatorNames,                   \
+      NQENDRA20::mi_table::References, NQENDRA20::mi_table::ReferenceNames)                     \
+  static_assert(true, "DIAGCORE_PROVIDER is followed by a semicolon")
+
+#endif  // DIAGCORE_DIAGPROVIDER_H_

@@ -1,0 +1,255 @@
+// AvailServiceFactory: one numbered association per user element, in the
+// broker's order; what it does with no users, odd users, or no service.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "cmpihost/CallScope.h"
+#include "diag/DiagHost.h"
+#include "diag/RecordingBroker.h"
+#include "diagcore/AvailServiceFactory.h"
+#include "diagcore/InstanceRegistry.h"
+#include "plugin/DiagTestPlugin.h"
+#include "support/Bags.h"
+
+namespace diagcore_test {
+namespace {
+
+using NQENDRA20::AvailServiceFactory;
+using NQENDRA20::InstanceRegistry;
+using Properties = std::map<std::string, std::string>;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+const char* const kAssociationClass = "DTP_AvailableDiagnosticService";
+
+// An enumeration of given items, for users that are not what they should be.
+class FakeEnumeration {
+ public:
+  explicit FakeEnumeration(std::vector<CMPIData> items) : items_(std::move(items)) {
+    enumeration_.hdl = this;
+    enumeration_.ft = &table_;
+    table_.hasNext = [](const CMPIEnumeration* en, CMPIStatus* /*rc*/) -> CMPIBoolean {
+      const auto* self = static_cast<const FakeEnumeration*>(en->hdl);
+      return self->next_ < self->items_.size() ? 1 : 0;
+    };
+    table_.getNext = [](const CMPIEnumeration* en, CMPIStatus* /*rc*/) {
+      auto* self = static_cast<FakeEnumeration*>(const_cast<void*>(en->hdl));
+      return self->items_[self->next_++];
+    };
+  }
+
+  CMPIEnumeration* get() { return &enumeration_; }
+
+ private:
+  std::vector<CMPIData> items_;
+  std::size_t next_ = 0;
+  CMPIEnumerationFT table_{};
+  CMPIEnumeration enumeration_{};
+};
+
+// Remembers what it was asked for and answers with a chosen enumeration.
+class ChoosingFactory : public AvailServiceFactory {
+ public:
+  CMPIEnumeration* EnumerateUsers(const CMPIBroker* /*broker*/, const CMPIContext* /*context*/,
+                                  std::string userClassName) override {
+    asked.push_back(userClassName);
+    return answer;
+  }
+
+  std::vector<std::string> asked;
+  CMPIEnumeration* answer = nullptr;
+};
+
+class AvailServiceFactoryTest : public DiagHostTest {
+ protected:
+  AvailServiceFactoryTest() : DiagHostTest(true) {
+    service_ = NewBag<diagtestplugin::TestDiagService>(std::string("Probe"), std::string("Probe"),
+                                                       diagtestplugin::Behaviour(), std::string(),
+                                                       std::string("testhost.example"));
+    RegisterInScope(host(), service_);
+    TakeTraces();
+  }
+
+  void Create(AvailServiceFactory& factory, NQENDRA20::InstanceImpl* service,
+              const std::string& userClass, unsigned int first, unsigned int step) {
+    cmpihost::CallScope scope(host());
+    factory.CreateAvailableServices(scope.broker(), scope.context(), service, userClass,
+                                    kAssociationClass, first, step);
+  }
+
+  // The registered associations' bags, in the order the registry serves them.
+  std::vector<Properties> Associations() {
+    std::vector<Properties> bags;
+    cmpihost::CallScope scope(host());
+    for (const cmpihost::InstanceSnapshot& instance :
+         host().enumerateInstances("root/cimv2", kAssociationClass).instances()) {
+      InstanceRegistry::Instance* entry = InstanceRegistry::Singleton()->GetInstance(
+          scope.broker(), scope.objectPath(instance.path));
+      EXPECT_NE(entry, nullptr) << instance.path;
+      if (entry != nullptr) {
+        bags.emplace_back(entry->impl->begin(), entry->impl->end());
+      }
+    }
+    return bags;
+  }
+
+  Properties Association(const std::string& device, const std::string& enumOrder) {
+    return {{"EnumOrder", enumOrder},
+            {"EstimatedDurationOfService", "3"},
+            {"EstimatedDurationQualifier", "0"},
+            {"ServiceProvided", service_->getObjectPath()},
+            {"UserOfService", DeviceText(device)}};
+  }
+
+  std::vector<std::string> EnumOrders() {
+    std::vector<std::string> orders;
+    for (const Properties& bag : Associations()) {
+      orders.push_back(bag.at("EnumOrder"));
+    }
+    return orders;
+  }
+
+  diagtestplugin::TestDiagService* service_ = nullptr;
+};
+
+TEST_F(AvailServiceFactoryTest, ThreeUsersGetThreeAssociationsNumberedFromFirstByStep) {
+  AvailServiceFactory factory;
+  Create(factory, service_, "DTP_Device", 10, 5);
+  std::vector<TraceLine> registered;
+  for (const TraceLine& line : TakeTraces()) {
+    if (line.text.rfind(">>>>> Registered ", 0) == 0) {
+      registered.push_back(line);
+    }
+  }
+  EXPECT_THAT(registered,
+              ElementsAre(Debug(">>>>> Registered " + AvailabilityText("Probe", "disk0")),
+                          Debug(">>>>> Registered " + AvailabilityText("Probe", "disk1")),
+                          Debug(">>>>> Registered " + AvailabilityText("Probe", "disk2"))));
+  EXPECT_EQ(service_->getObjectPath(), ServiceText("Probe"));
+  EXPECT_THAT(Associations(), ElementsAre(Association("disk0", "10"), Association("disk1", "15"),
+                                          Association("disk2", "20")));
+}
+
+TEST_F(AvailServiceFactoryTest, AStepOfZeroGivesEveryAssociationTheSameOrder) {
+  AvailServiceFactory factory;
+  Create(factory, service_, "DTP_Device", 7, 0);
+  EXPECT_THAT(EnumOrders(), ElementsAre("7", "7", "7"));
+}
+
+TEST_F(AvailServiceFactoryTest, OrderNumbersAreWrittenInFullAndWrapAt32Bits) {
+  AvailServiceFactory factory;
+  Create(factory, service_, "DTP_Device", 4294967290U, 5);
+  // Served by EnumOrder: the wrapped one first.
+  EXPECT_THAT(Associations(),
+              ElementsAre(Association("disk2", "4"), Association("disk0", "4294967290"),
+                          Association("disk1", "4294967295")));
+}
+
+TEST_F(AvailServiceFactoryTest, NoUsersCreateNothing) {
+  AvailServiceFactory factory;
+  Create(factory, service_, "DTP_DiagServiceRecord", 10, 5);  // served, but none registered
+  Create(factory, service_, "ACME_NoSuchClass", 10, 5);
+  EXPECT_THAT(Associations(), IsEmpty());
+  EXPECT_THAT(TakeTraces(),
+              ::testing::Each(::testing::Field(
+                  &TraceLine::text, ::testing::Not(::testing::HasSubstr(">>>>> Registered")))));
+}
+
+TEST_F(AvailServiceFactoryTest, AFailingOrNullEnumerationCreatesNothing) {
+  {
+    cmpihost::CallScope scope(host());
+    RecordingBroker recording(scope.broker());
+    recording.enumerate = [](const CMPIObjectPath* /*path*/, CMPIStatus* rc) -> CMPIEnumeration* {
+      if (rc != nullptr) {
+        *rc = {CMPI_RC_ERR_FAILED, nullptr};
+      }
+      return nullptr;
+    };
+    AvailServiceFactory factory;
+    factory.CreateAvailableServices(recording.broker(), scope.context(), service_, "DTP_Device",
+                                    kAssociationClass, 10, 5);
+    EXPECT_THAT(recording.calls,
+                ElementsAre("newObjectPath DTP_Device", "enumerateInstances DTP_Device"));
+  }
+  ChoosingFactory choosing;
+  Create(choosing, service_, "DTP_Device", 10, 5);
+  EXPECT_THAT(choosing.asked, ElementsAre("DTP_Device"));
+  EXPECT_THAT(TakeTraces(), IsEmpty());
+  EXPECT_THAT(Associations(), IsEmpty());
+}
+
+TEST_F(AvailServiceFactoryTest, TheDefaultUsersAreTheBrokersInstancesOfTheClass) {
+  cmpihost::CallScope scope(host());
+  RecordingBroker recording(scope.broker());
+  AvailServiceFactory factory;
+  CMPIEnumeration* users =
+      factory.EnumerateUsers(recording.broker(), scope.context(), "DTP_Device");
+  ASSERT_NE(users, nullptr);
+  std::vector<std::string> devices;
+  while (users->ft->hasNext(users, nullptr) != 0) {
+    const CMPIData item = users->ft->getNext(users, nullptr);
+    ASSERT_EQ(item.type, CMPI_instance);
+    const CMPIData id = item.value.inst->ft->getProperty(item.value.inst, "DeviceID", nullptr);
+    devices.emplace_back(id.value.string->ft->getCharPtr(id.value.string, nullptr));
+  }
+  EXPECT_THAT(devices, ElementsAre("disk0", "disk1", "disk2"));
+  EXPECT_THAT(recording.calls,
+              ElementsAre("newObjectPath DTP_Device", "enumerateInstances DTP_Device"));
+}
+
+TEST_F(AvailServiceFactoryTest, ItemsThatAreNotInstancesAreSkippedWithAWarning) {
+  cmpihost::CallScope scope(host());
+  CMPIEnumeration* devices = scope.broker()->bft->enumerateInstances(
+      scope.broker(), scope.context(), scope.objectPath("DTP_Device"), nullptr, nullptr);
+  ASSERT_NE(devices, nullptr);
+  const CMPIData disk0 = devices->ft->getNext(devices, nullptr);
+  CMPIData text{};
+  text.type = CMPI_string;
+  text.value.string = scope.broker()->eft->newString(scope.broker(), "disk9", nullptr);
+  CMPIData nullInstance{};
+  nullInstance.type = CMPI_instance;
+  nullInstance.state = CMPI_nullValue;
+  FakeEnumeration users({text, nullInstance, disk0});
+  ChoosingFactory factory;
+  factory.answer = users.get();
+
+  factory.CreateAvailableServices(scope.broker(), scope.context(), service_, "DTP_Device",
+                                  kAssociationClass, 10, 5);
+
+  const std::vector<TraceLine> traces = TakeTraces();
+  const TraceLine skipped =
+      Warning("CreateAvailableServices skipped a DTP_Device item that is not an instance");
+  ASSERT_THAT(traces, SizeIs(::testing::Gt(2U)));
+  EXPECT_EQ(traces[0], skipped);
+  EXPECT_EQ(traces[1], skipped);
+  EXPECT_THAT(Associations(), ElementsAre(Association("disk0", "10")));
+}
+
+TEST_F(AvailServiceFactoryTest, NoServiceCreatesNothingAndSaysSo) {
+  AvailServiceFactory factory;
+  Create(factory, nullptr, "DTP_Device", 10, 5);
+  EXPECT_EQ(TakeTraces(),
+            std::vector<TraceLine>{Warning("CreateAvailableServices was given no service for "
+                                           "DTP_AvailableDiagnosticService")});
+  EXPECT_THAT(Associations(), IsEmpty());
+}
+
+TEST_F(AvailServiceFactoryTest, AnUnregisteredServiceGivesEmptyServiceReferences) {
+  diagtestplugin::TestDiagService unregistered("Loose", "Loose", diagtestplugin::Behaviour(), "",
+                                               "testhost.example");
+  AvailServiceFactory factory;
+  Create(factory, &unregistered, "DTP_Device", 10, 5);
+  const std::vector<Properties> bags = Associations();
+  ASSERT_THAT(bags, SizeIs(3));
+  for (const Properties& bag : bags) {
+    EXPECT_EQ(bag.at("ServiceProvided"), "");
+  }
+}
+
+}  // namespace
+}  // namespace diagcore_test

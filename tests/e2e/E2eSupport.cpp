@@ -1,0 +1,139 @@
+#include "E2eSupport.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <climits>
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+namespace e2e {
+namespace {
+
+std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
+  if (from.empty()) {
+    return text;
+  }
+  std::string::size_type at = 0;
+  while ((at = text.find(from, at)) != std::string::npos) {
+    text.replace(at, from.size(), to);
+    at += to.size();
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string CmpihostBinary() {
+  return CMPIHOST_BINARY;
+}
+
+std::string SchemaMof() {
+  return std::string(DIAGCORE_SOURCE_DIR) + "/schema/diagcore.mof";
+}
+
+std::string ExampleDir() {
+  return std::string(DIAGCORE_SOURCE_DIR) + "/examples/filesystem-diag";
+}
+
+std::string ExampleMof() {
+  return ExampleDir() + "/mof/filesystemdiag.mof";
+}
+
+std::string ExampleRegistration() {
+  return ExampleDir() + "/deploy/filesystemdiag.reg";
+}
+
+std::string ExampleLibDir() {
+  return FSD_LIB_DIR;
+}
+
+std::string TestPluginDir() {
+  return std::string(DIAGCORE_SOURCE_DIR) + "/tests/plugin";
+}
+
+std::string TestPluginLibDir() {
+  return DTP_LIB_DIR;
+}
+
+std::string TestDataFile(const std::string& name) {
+  return std::string(DIAGCORE_SOURCE_DIR) + "/tests/e2e/data/" + name;
+}
+
+ProgramResult RunOnExample(const std::vector<std::string>& args) {
+  std::vector<std::string> argv = {CmpihostBinary(), "--mof",       SchemaMof(),
+                                   "--mof",          ExampleMof(),  "--lib-dir",
+                                   ExampleLibDir(),  "--providers", ExampleRegistration()};
+  argv.insert(argv.end(), args.begin(), args.end());
+  return RunProgram(argv);
+}
+
+ProgramResult RunOnTestPlugin(const std::vector<std::string>& args) {
+  std::vector<std::string> argv = {CmpihostBinary(),
+                                   "--mof",
+                                   SchemaMof(),
+                                   "--mof",
+                                   TestPluginDir() + "/diagtestplugin.mof",
+                                   "--lib-dir",
+                                   TestPluginLibDir(),
+                                   "--providers",
+                                   TestPluginDir() + "/diagtestplugin.reg"};
+  argv.insert(argv.end(), args.begin(), args.end());
+  return RunProgram(argv);
+}
+
+std::string HostName() {
+  char name[HOST_NAME_MAX + 1] = {};
+  if (gethostname(name, sizeof name - 1) != 0 || name[0] == '\0') {
+    return "localhost";
+  }
+  return name;
+}
+
+std::string MaskedDates(const std::string& text) {
+  static const std::regex kDateTime(R"(\d{14}\.\d{6}[+-]\d{3})");
+  return std::regex_replace(text, kDateTime, "@DATETIME@");
+}
+
+std::string Masked(const std::string& text, const std::string& systemName) {
+  std::string masked = MaskedDates(text);
+  masked = ReplaceAll(masked, R"(\")" + systemName + R"(\")", R"(\"@SYSTEM@\")");
+  return ReplaceAll(masked, R"(")" + systemName + R"(")", R"("@SYSTEM@")");
+}
+
+std::string ServicePath(const std::string& serviceName) {
+  return R"(FSD_FileSystemDiagnosticService.CreationClassName="FSD_FileSystemDiagnosticService",)"
+         R"(Name=")" +
+         serviceName + R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" +
+         HostName() + R"(")";
+}
+
+std::string FileSystemPath(const std::string& deviceId) {
+  return R"(FSD_MountedFileSystem.CreationClassName="FSD_MountedFileSystem",DeviceID=")" +
+         deviceId + R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" +
+         HostName() + R"(")";
+}
+
+void ExpectGolden(const std::string& actual, const std::string& name) {
+  const std::string path = std::string(DIAGCORE_SOURCE_DIR) + "/tests/e2e/expected/" + name;
+  const char* update = std::getenv("E2E_UPDATE_GOLDEN");
+  if (update != nullptr && std::string(update) == "1") {
+    std::ofstream(path, std::ios::binary) << actual;
+    return;
+  }
+  EXPECT_EQ(actual, ReadFile(path)) << "differs from " << path;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  std::string line;
+  while (std::getline(in, line)) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+}  // namespace e2e

@@ -1,0 +1,57 @@
+// What the end-to-end tests share: where the built programs and the
+// example's files are, how cmpihost is started on the example or on the test
+// plug-in, how machine-dependent text is masked, and golden-file comparison.
+#ifndef TESTS_E2E_E2ESUPPORT_H_
+#define TESTS_E2E_E2ESUPPORT_H_
+
+#include <string>
+#include <vector>
+
+#include "ProgramRun.h"
+
+namespace e2e {
+
+// Files of the source tree and the build.
+std::string CmpihostBinary();
+std::string SchemaMof();
+std::string ExampleDir();                           // examples/filesystem-diag in the sources
+std::string ExampleMof();                           // its mof/filesystemdiag.mof
+std::string ExampleRegistration();                  // its deploy/filesystemdiag.reg
+std::string ExampleLibDir();                        // where libfilesystemdiag.so was built
+std::string TestPluginDir();                        // tests/plugin in the sources
+std::string TestPluginLibDir();                     // where libdiagtestplugin.so was built
+std::string TestDataFile(const std::string& name);  // tests/e2e/data/<name>
+
+// cmpihost with the schema, the example's MOF and its registration file
+// (libraries from the build), followed by `args`.
+ProgramResult RunOnExample(const std::vector<std::string>& args);
+// The same with the test plug-in's MOF and registration file.
+ProgramResult RunOnTestPlugin(const std::vector<std::string>& args);
+
+// This machine's name, as the example's provider names the system.
+std::string HostName();
+
+// `text` with every CIM date-time ("20261121063324.680570+000") replaced by
+// "@DATETIME@".
+std::string MaskedDates(const std::string& text);
+
+// `text` with every CIM date-time ("20261121063324.680570+000") replaced by
+// "@DATETIME@", and every quoted occurrence of `systemName` ("name" and the
+// escaped \"name\" inside a reference) by the same quotes around "@SYSTEM@".
+std::string Masked(const std::string& text, const std::string& systemName);
+
+// The example's service path of `serviceName` on this host.
+std::string ServicePath(const std::string& serviceName);
+// The example's FSD_MountedFileSystem path of `deviceId` on this host.
+std::string FileSystemPath(const std::string& deviceId);
+
+// Compares `actual` with tests/e2e/expected/<name>; with E2E_UPDATE_GOLDEN=1
+// in the environment, rewrites the file instead (review the diff!).
+void ExpectGolden(const std::string& actual, const std::string& name);
+
+// The lines of `text`, without their line ends.
+std::vector<std::string> Lines(const std::string& text);
+
+}  // namespace e2e
+
+#endif  // TESTS_E2E_E2ESUPPORT_H_
