@@ -3,6 +3,7 @@
 #include <iostream>
 #include <map>
 #include <sstream>
+#include <string>
 #include <utility>
 
 #include "core/Trace.h"
@@ -37,6 +38,26 @@ CMPIObjectPath* NewHostedPath(const CMPIBroker* broker, const std::string& nameS
   path->ft->setHostname(path, cimHostName);
   return path;
 }
+
+// A reference is built from its text, and that text may name a class with
+// reference properties again: a key value written without quotes reads as
+// the whole text, so "Link.Antecedent=x" names itself without end. Real
+// paths nest two deep at most (a reference to an association); a deeper
+// reference is left null, which also bounds the work, as every level builds
+// twice.
+constexpr int kMaxReferenceNesting = 4;
+thread_local int referenceNesting = 0;
+
+// One level of reference building on this thread, for as long as it lives.
+class ReferenceNestingLevel {
+ public:
+  ReferenceNestingLevel() { ++referenceNesting; }
+  ~ReferenceNestingLevel() { --referenceNesting; }
+  ReferenceNestingLevel(const ReferenceNestingLevel&) = delete;
+  ReferenceNestingLevel& operator=(const ReferenceNestingLevel&) = delete;
+
+  bool tooDeep() const { return referenceNesting > kMaxReferenceNesting; }
+};
 
 }  // namespace
 
@@ -186,6 +207,13 @@ CMPIValue InstanceBuilder::convert(const CMPIBroker* broker, const CMPIContext* 
       value.sint64 = Extract<long>(text);
       break;
     case CMPI_ref: {
+      const ReferenceNestingLevel level;
+      if (level.tooDeep()) {
+        Trace(broker, CMPI_SEV_WARNING,
+              "InstanceBuilder::convert -> reference nested more than " +
+                  std::to_string(kMaxReferenceNesting) + " deep, left null: " + text);
+        break;
+      }
       // Built twice, as designed: once to reach the instance's operations and
       // once for the instance whose path is taken, so its traces come twice.
       CMPIInstance* reached = build(broker, context, text);

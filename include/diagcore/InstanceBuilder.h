@@ -49,7 +49,9 @@ class InstanceBuilder {
   // The value of `text` read as the CMPI type `type`: numbers by formatted
   // stream extraction, booleans only from "1"/"0", 8-bit types as the code
   // of one character, strings whole, date-times by the broker (empty: now),
-  // references as the path of an instance built from the text. Other types
+  // references as the path of an instance built from the text. A reference
+  // met while 4 references are being built on this thread already (a text
+  // that names itself again) is left null, with a warning trace. Other types
   // are reported on standard output and give a zeroed value.
   CMPIValue convert(const CMPIBroker* broker, const CMPIContext* context, unsigned short& type,
                     std::string& text) const;

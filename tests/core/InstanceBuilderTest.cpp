@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -178,6 +179,36 @@ TEST_F(InstanceBuilderTest, ReferenceIsThePathOfAnInstanceBuiltTwiceFromTheText)
       Debug("Setting property CreationClassName to 'DCT_Element'"),
       Debug("Setting property DeviceID to 'd1'"), Debug("Exiting InstanceBuilder::build")};
   EXPECT_EQ(LibraryTraces(host()), Repeat(oneBuild, 2));
+}
+
+TEST_F(InstanceBuilderTest, AReferenceTextThatNamesItselfStopsAtTheNestingBound) {
+  // Unquoted, a key value reads as the whole text, which names DCT_Link and
+  // its Antecedent again: without a bound this recursed until the stack ran out.
+  const std::string selfNaming = "DCT_Link.Antecedent=x";
+  TestBag bag("DCT_Link", {{"Antecedent", selfNaming}, {"Note", "n"}});
+  const cmpihost::InstanceSnapshot snapshot = BuildBag(bag);
+
+  // Four levels are built, twice each, so the fifth is refused 2^4 times.
+  const TraceLine refused = Warning(
+      "InstanceBuilder::convert -> reference nested more than 4 deep, left null: " + selfNaming);
+  std::vector<TraceLine> warnings;
+  for (const TraceLine& line : LibraryTraces(host())) {
+    if (line.severity == kWarning) {
+      warnings.push_back(line);
+    }
+  }
+  EXPECT_EQ(warnings, Repeat({refused}, 16));
+  EXPECT_EQ(snapshot.find("Antecedent")->type, CMPI_ref);
+  EXPECT_EQ(snapshot.find("Note")->text, "n");
+}
+
+TEST_F(InstanceBuilderTest, AReferenceThatThrowsLeavesNoNestingBehind) {
+  cmpihost::CallScope scope(host());
+  // More failed conversions than the bound: each must give its level back.
+  for (int attempt = 0; attempt < 6; ++attempt) {
+    EXPECT_THROW(Convert(scope, CMPI_ref, ElementText("a") + ","), std::out_of_range);
+  }
+  EXPECT_NE(Convert(scope, CMPI_ref, ElementText("a")).ref, nullptr);
 }
 
 TEST_F(InstanceBuilderTest, UnsupportedTypesAreReportedOnStdoutAndGiveAZeroValue) {

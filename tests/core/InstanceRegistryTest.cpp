@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -263,7 +264,9 @@ TEST_F(InstanceRegistryTest, ClassTheRepositoryDoesNotKnowIsNotRegistered) {
   Register(NewElement("kept"));
   TakeTraces();
 
-  TestBag* bag = Register(NewBag(std::string("DCT_Nope"), PropertyList{{"Name", "x"}}));
+  // Refused, so the bag is still the test's to free.
+  const std::unique_ptr<TestBag> bag(
+      Register(NewBag(std::string("DCT_Nope"), PropertyList{{"Name", "x"}})));
 
   EXPECT_EQ(TakeTraces(), Concat(Repeat({Debug("Exiting InstanceBuilder::build")}, 2),
                                  {Warning("Could not build instance of class DCT_Nope")}));
@@ -275,9 +278,11 @@ TEST_F(InstanceRegistryTest, ClassTheRepositoryDoesNotKnowIsNotRegistered) {
 TEST_F(InstanceRegistryTest, UnparsableReferenceTextStopsRegistrationWithOutOfRange) {
   Register(NewElement("kept"));
   cmpihost::CallScope scope(host());
-  TestBag* bag = NewBag(std::string("DCT_Link"),
-                        PropertyList{{"Antecedent", ElementText("a") + ","}, {"Note", "n"}});
-  EXPECT_THROW(Registry().RegisterInstance(scope.broker(), scope.context(), bag),
+  // Refused, so the bag is still the test's to free.
+  const std::unique_ptr<TestBag> bag(
+      NewBag(std::string("DCT_Link"),
+             PropertyList{{"Antecedent", ElementText("a") + ","}, {"Note", "n"}}));
+  EXPECT_THROW(Registry().RegisterInstance(scope.broker(), scope.context(), bag.get()),
                std::out_of_range);
   EXPECT_EQ(bag->getObjectPath(), "");
   EXPECT_THAT(Enumerate("DCT_Link", "Note"), IsEmpty());

@@ -56,7 +56,7 @@ std::string ScratchDir::write(const std::string& name, const std::string& text) 
 
 ProgramResult RunProgram(const std::vector<std::string>& argv) {
   static const std::string kLeakOptions = std::string("suppressions=") + DIAGCORE_SOURCE_DIR +
-                                          "/tests/e2e/data/lsan-plugin-host.supp"
+                                          "/tests/lsan.supp"
                                           ":print_suppressions=0";
   const ScratchDir scratch;
   const std::string in = scratch.write("stdin", "");

@@ -20,14 +20,6 @@ CMPI_EXTERN_C CMPIMethodMI* TinyDiag_Create_MethodMI(const CMPIBroker*, const CM
 CMPI_EXTERN_C CMPIAssociationMI* TinyDiag_Create_AssociationMI(const CMPIBroker*,
                                                                const CMPIContext*, CMPIStatus*);
 
-// What the library's registry keeps until the process ends is kept by
-// design; LeakSanitizer is told so, and still reports any other leak.
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:NQENDRA20::InstanceRegistry::RegisterInstance\n"
-         "leak:NQENDRA20::DiagService::invokeMethod\n"
-         "leak:StartTinyDiag\n";
-}
-
 namespace diagcore_test {
 namespace {
 

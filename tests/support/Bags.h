@@ -53,8 +53,8 @@ class MethodBag : public TestBag {
 };
 
 // Allocates a bag that is to be handed to the registry, which keeps it for the
-// rest of the process. Use it for every such bag: it is how the leak checker
-// knows these allocations are meant to live on.
+// rest of the process once registered (the leak checker sees it through the
+// registry's entry). A bag whose registration failed is still the caller's.
 template <typename Bag = TestBag, typename... Args>
 Bag* NewBag(Args&&... args) {
   return new Bag(std::forward<Args>(args)...);

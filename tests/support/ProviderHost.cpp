@@ -7,15 +7,6 @@
 #include "diagcore/DiagServiceProviderCommon.h"
 #include "diagcore/InstanceRegistry.h"
 
-// Objects handed to the registry live until the process ends, by design:
-// the registry keeps entries, containers and instance clones, and every bag
-// given to it. LeakSanitizer is told so here, for every test that links this
-// support library; any other leak is still reported.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
-  return "leak:NQENDRA20::InstanceRegistry::RegisterInstance\n"
-         "leak:diagcore_test::NewBag\n";
-}
-
 namespace diagcore_test {
 
 namespace {
