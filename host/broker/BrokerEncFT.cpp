@@ -364,6 +364,9 @@ CMPIStatus Record(const CMPIBroker* broker, LogRecord::Kind kind, int severity, 
   if (host == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
   }
+  if (!host->log.wanted()) {
+    return MakeStatus(CMPI_RC_OK);  // dropped at once: nobody would read it
+  }
   LogRecord record;
   record.kind = kind;
   record.severity = severity;
