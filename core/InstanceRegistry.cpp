@@ -5,6 +5,7 @@
 #include <mutex>
 #include <sstream>
 
+#include "core/TextStreams.h"
 #include "core/Trace.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/CimNames.h"
@@ -57,7 +58,7 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
     return;
   }
 
-  std::ostringstream created;
+  std::ostringstream& created = WritingStream();
   created << "Created instance: " << static_cast<const void*>(clone)
           << ", hdl = " << static_cast<const void*>(clone->hdl);
   Trace(broker, CMPI_DEV_DEBUG, created.str());
@@ -79,7 +80,7 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
     // allocated, as everything once registered does.
     (*container)[pathText] = entry;
   }
-  Trace(broker, CMPI_DEV_DEBUG, ">>>>> Registered " + pathText);
+  Trace(broker, CMPI_DEV_DEBUG, {">>>>> Registered ", pathText});
 }
 
 InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* broker,
