@@ -59,6 +59,7 @@ CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, 
   instance.shape = shape;
   instance.host = where.host;
   instance.nameSpace = where.nameSpace;
+  instance.values.reserve(shape->properties.size());
   for (const PropertyShape& property : shape->properties) {
     instance.values.push_back(property.initial);
   }

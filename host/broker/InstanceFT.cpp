@@ -28,8 +28,8 @@ CMPIInstance* InstanceClone(const CMPIInstance* instance, CMPIStatus* rc) {
   return CreateOwned<InstanceObject>(rc, object->data);
 }
 
-std::string NoSuchProperty(const InstanceData& data, const std::string& name) {
-  return "class " + data.shape->className + " declares no property " + name;
+std::string NoSuchProperty(const InstanceData& data, std::string_view name) {
+  return "class " + data.shape->className + " declares no property " + std::string(name);
 }
 
 CMPIData InstanceGetProperty(const CMPIInstance* instance, const char* name, CMPIStatus* rc) {
@@ -92,7 +92,7 @@ bool FilteredOut(const InstanceData& data, std::size_t index) {
                       [&](const std::string& kept) { return EqualsIgnoreCase(kept, name); });
 }
 
-CMPIStatus SetValue(InstanceData& data, const std::string& name, const CMPIValue* value,
+CMPIStatus SetValue(InstanceData& data, std::string_view name, const CMPIValue* value,
                     CMPIType type) {
   const auto index = data.shape->find(name);
   if (!index) {

@@ -132,9 +132,14 @@ void NamedValues::set(const std::string& name, HostValue value) {
   items_.push_back(NamedValue{name, std::move(value)});
 }
 
-std::optional<std::size_t> ClassShape::find(const std::string& name) const {
+// Every getProperty and setProperty asks this, so names of another length
+// are passed over without comparing their letters, and a C string argument
+// needs no std::string made of it.
+std::optional<std::size_t> ClassShape::find(std::string_view name) const {
   for (std::size_t i = 0; i < properties.size(); ++i) {
-    if (EqualsIgnoreCase(properties[i].name, name)) {
+    const std::string& candidate = properties[i].name;
+    if (candidate.size() == name.size() &&
+        strncasecmp(candidate.data(), name.data(), name.size()) == 0) {
       return i;
     }
   }

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "broker/DateTime.h"
@@ -80,7 +81,7 @@ struct ClassShape {
   std::string className;  // declared spelling
   std::vector<PropertyShape> properties;
   // Index of the property (case-insensitive), or nullopt.
-  std::optional<std::size_t> find(const std::string& name) const;
+  std::optional<std::size_t> find(std::string_view name) const;
 };
 
 struct InstanceData {
