@@ -304,7 +304,7 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
         problem = "the CMPIDateTime is not one this broker made";
         return CMPI_RC_ERR_INVALID_HANDLE;
       }
-      out.dateTime = dateTime->value;
+      out.setDateTime(dateTime->value);
       return CMPI_RC_OK;
     }
     case CMPI_ref: {
@@ -313,7 +313,7 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
         problem = "the CMPIObjectPath is not one this broker made";
         return CMPI_RC_ERR_INVALID_HANDLE;
       }
-      out.path = std::make_shared<const PathData>(path->path);
+      out.setPath(path->path);
       return CMPI_RC_OK;
     }
     case CMPI_instance: {
@@ -322,7 +322,7 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
         problem = "the CMPIInstance is not one this broker made";
         return CMPI_RC_ERR_INVALID_HANDLE;
       }
-      out.instance = std::make_shared<const InstanceData>(instance->data);
+      out.setInstance(instance->data);
       return CMPI_RC_OK;
     }
     default:
@@ -378,7 +378,7 @@ CMPIrc FromCmpiValue(const CMPIValue* value, CMPIType type, HostValue& out, std:
     return CMPI_RC_ERR_TYPE_MISMATCH;
   }
   out.null = false;
-  out.elements = array->elements;
+  out.setElements(array->elements);
   return CMPI_RC_OK;
 }
 
@@ -391,7 +391,7 @@ CMPIData ToCmpiData(const HostValue& value, CMPIStatus* rc) {
   const void* made = nullptr;
   if ((value.type & CMPI_ARRAY) != 0) {
     auto* array = CreateInScope<ArrayObject>(rc, static_cast<CMPIType>(value.type & ~CMPI_ARRAY),
-                                             value.elements);
+                                             value.elements());
     data.value.array = array;
     made = array;
   } else if (value.type == CMPI_string || value.type == CMPI_chars) {
@@ -400,15 +400,15 @@ CMPIData ToCmpiData(const HostValue& value, CMPIStatus* rc) {
     data.value.string = string;
     made = string;
   } else if (value.type == CMPI_dateTime) {
-    auto* dateTime = CreateInScope<DateTimeObject>(rc, value.dateTime);
+    auto* dateTime = CreateInScope<DateTimeObject>(rc, value.dateTime());
     data.value.dateTime = dateTime;
     made = dateTime;
   } else if (value.type == CMPI_ref) {
-    auto* path = CreateInScope<ObjectPathObject>(rc, *value.path);
+    auto* path = CreateInScope<ObjectPathObject>(rc, *value.path());
     data.value.ref = path;
     made = path;
   } else if (value.type == CMPI_instance) {
-    auto* instance = CreateInScope<InstanceObject>(rc, *value.instance);
+    auto* instance = CreateInScope<InstanceObject>(rc, *value.instance());
     data.value.inst = instance;
     made = instance;
   } else {

@@ -138,6 +138,7 @@ HostValue ConvertArray(const std::string& text, CMPIType type, const std::string
   const auto elementType = static_cast<CMPIType>(type & ~CMPI_ARRAY);
   HostValue array = HostValue::Null(type);
   array.null = false;
+  std::vector<HostValue> elements;
   std::string list = Trimmed(text);
   if (list.size() >= 2 && list.front() == '{' && list.back() == '}') {
     list = Trimmed(list.substr(1, list.size() - 2));
@@ -167,7 +168,7 @@ HostValue ConvertArray(const std::string& text, CMPIType type, const std::string
       element = Trimmed(list.substr(pos, end - pos));
       pos = end;
     }
-    array.elements.push_back(Convert(element, form, elementType, nameSpace, lookup));
+    elements.push_back(Convert(element, form, elementType, nameSpace, lookup));
     if (pos < list.size()) {
       ++pos;  // the comma
       if (pos == list.size()) {
@@ -175,6 +176,7 @@ HostValue ConvertArray(const std::string& text, CMPIType type, const std::string
       }
     }
   }
+  array.setElements(std::move(elements));
   return array;
 }
 
@@ -444,14 +446,16 @@ std::optional<HostValue> ValueFromMof(const MofValue& value, CMPIType type,
     HostValue array = HostValue::Null(type);
     array.null = false;
     const auto elementType = static_cast<CMPIType>(type & ~CMPI_ARRAY);
+    std::vector<HostValue> elements;
     for (const MofValue& element : value.elements) {
       std::optional<HostValue> converted =
           ValueFromMof(element, elementType, defaultNameSpace, lookup);
       if (!converted) {
         return std::nullopt;
       }
-      array.elements.push_back(std::move(*converted));
+      elements.push_back(std::move(*converted));
     }
+    array.setElements(std::move(elements));
     return array;
   }
   try {

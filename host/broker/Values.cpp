@@ -91,7 +91,7 @@ HostValue HostValue::Date(DateTime dateTime) {
   HostValue value;
   value.type = CMPI_dateTime;
   value.null = false;
-  value.dateTime = std::move(dateTime);
+  value.setDateTime(dateTime);
   return value;
 }
 
@@ -99,8 +99,53 @@ HostValue HostValue::Reference(PathData path) {
   HostValue value;
   value.type = CMPI_ref;
   value.null = false;
-  value.path = std::make_shared<const PathData>(std::move(path));
+  value.setPath(std::move(path));
   return value;
+}
+
+const PathData* HostValue::path() const {
+  return nested_ == Nested::kPath ? static_cast<const PathData*>(nestedData_.get()) : nullptr;
+}
+
+const InstanceData* HostValue::instance() const {
+  return nested_ == Nested::kInstance ? static_cast<const InstanceData*>(nestedData_.get())
+                                      : nullptr;
+}
+
+const std::vector<HostValue>& HostValue::elements() const {
+  static const std::vector<HostValue> kNoElements;
+  return nested_ == Nested::kElements
+             ? *static_cast<const std::vector<HostValue>*>(nestedData_.get())
+             : kNoElements;
+}
+
+void HostValue::setPath(PathData path) {
+  nested_ = Nested::kPath;
+  nestedData_ = std::make_shared<const PathData>(std::move(path));
+}
+
+void HostValue::setInstance(InstanceData instance) {
+  nested_ = Nested::kInstance;
+  nestedData_ = std::make_shared<const InstanceData>(std::move(instance));
+}
+
+void HostValue::setElements(std::vector<HostValue> elements) {
+  nested_ = Nested::kElements;
+  nestedData_ = std::make_shared<const std::vector<HostValue>>(std::move(elements));
+}
+
+DateTime HostValue::dateTime() const {
+  DateTime value;
+  value.interval = interval;
+  value.binary = scalar.uint64;
+  value.text = text;
+  return value;
+}
+
+void HostValue::setDateTime(const DateTime& dateTime) {
+  interval = dateTime.interval;
+  scalar.uint64 = dateTime.binary;
+  text = dateTime.text;
 }
 
 bool EqualsIgnoreCase(const std::string& a, const std::string& b) {
@@ -287,11 +332,12 @@ std::string KeyValueText(const HostValue& value) {
     case CMPI_char16:
       return Quoted(std::string(1, static_cast<char>(value.scalar.char16)));
     case CMPI_dateTime:
-      return Quoted(value.dateTime.text);
+      return Quoted(value.text);
     case CMPI_ref:
-      return Quoted(value.path ? PathToString(*value.path) : std::string());
+      return Quoted(value.path() != nullptr ? PathToString(*value.path()) : std::string());
     case CMPI_instance:
-      return Quoted(value.instance ? PathToString(value.instance->objectPath()) : std::string());
+      return Quoted(value.instance() != nullptr ? PathToString(value.instance()->objectPath())
+                                                : std::string());
     default:
       return Quoted(value.text);
   }
@@ -332,15 +378,15 @@ bool SameValue(const HostValue& a, const HostValue& b) {
     return true;
   }
   if ((a.type & CMPI_ARRAY) != 0) {
-    return std::equal(a.elements.begin(), a.elements.end(), b.elements.begin(), b.elements.end(),
-                      SameValue);
+    return std::equal(a.elements().begin(), a.elements().end(), b.elements().begin(),
+                      b.elements().end(), SameValue);
   }
   if (a.type == CMPI_ref || a.type == CMPI_instance) {
     // Paths are the same when their printed forms are; keys print sorted.
     return KeyValueText(a) == KeyValueText(b);
   }
   if (a.type == CMPI_dateTime) {
-    return a.dateTime.interval == b.dateTime.interval && a.dateTime.binary == b.dateTime.binary;
+    return a.interval == b.interval && a.scalar.uint64 == b.scalar.uint64;
   }
   return KeyValueText(a) == KeyValueText(b);
 }
@@ -353,7 +399,7 @@ Value ToPublicValue(const HostValue& value) {
     return out;
   }
   if ((value.type & CMPI_ARRAY) != 0) {
-    for (const HostValue& element : value.elements) {
+    for (const HostValue& element : value.elements()) {
       out.elements.push_back(ToPublicValue(element));
     }
     return out;
@@ -375,13 +421,14 @@ Value ToPublicValue(const HostValue& value) {
       out.real = value.scalar.real64;
       break;
     case CMPI_dateTime:
-      out.text = value.dateTime.text;
+      out.text = value.text;
       break;
     case CMPI_ref:
-      out.text = value.path ? PathToString(*value.path) : std::string();
+      out.text = value.path() != nullptr ? PathToString(*value.path()) : std::string();
       break;
     case CMPI_instance:
-      out.text = value.instance ? PathToString(value.instance->objectPath()) : std::string();
+      out.text = value.instance() != nullptr ? PathToString(value.instance()->objectPath())
+                                             : std::string();
       break;
     case CMPI_string:
     case CMPI_chars:

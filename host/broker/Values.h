@@ -22,15 +22,35 @@ namespace cmpihost {
 struct PathData;
 struct InstanceData;
 
+// One value, kept small: an instance holds one per declared property for as
+// long as it lives (a provider may keep thousands), so what only references,
+// embedded instances and arrays need sits behind one shared pointer.
 struct HostValue {
+ private:
+  // First, so that it shares the word of type and null.
+  enum class Nested : unsigned char { kNone, kPath, kInstance, kElements };
+  Nested nested_ = Nested::kNone;
+
+ public:
   CMPIType type = CMPI_null;
   bool null = true;
-  CMPIValue scalar{};  // booleans, char16, integers, reals
-  std::string text;    // CMPI_string and CMPI_chars
-  DateTime dateTime;
-  std::shared_ptr<const PathData> path;          // CMPI_ref
-  std::shared_ptr<const InstanceData> instance;  // CMPI_instance
-  std::vector<HostValue> elements;               // arrays
+  bool interval = false;  // CMPI_dateTime: an interval rather than a point in time
+  CMPIValue scalar{};     // booleans, char16, integers, reals; a date-time's binary form
+  std::string text;       // CMPI_string and CMPI_chars; a date-time's text
+
+  // The reference's path (CMPI_ref), the embedded instance (CMPI_instance) or
+  // the elements (arrays): null, or empty, when the value holds none. Made
+  // once and shared by every copy of the value; never changed.
+  const PathData* path() const;
+  const InstanceData* instance() const;
+  const std::vector<HostValue>& elements() const;
+  void setPath(PathData path);
+  void setInstance(InstanceData instance);
+  void setElements(std::vector<HostValue> elements);
+
+  // The date-time that text, scalar and interval hold (CMPI_dateTime).
+  DateTime dateTime() const;
+  void setDateTime(const DateTime& dateTime);
 
   static HostValue Null(CMPIType type);
   static HostValue String(std::string text);
@@ -40,6 +60,9 @@ struct HostValue {
   static HostValue Real(CMPIType type, double number);
   static HostValue Date(DateTime dateTime);
   static HostValue Reference(PathData path);
+
+ private:
+  std::shared_ptr<const void> nestedData_;
 };
 
 struct NamedValue {
