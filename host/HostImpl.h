@@ -18,6 +18,7 @@
 #include "cmpihost/Host.h"
 #include "providers/ProviderTable.h"
 #include "repository/ClassRepository.h"
+#include "repository/NoCase.h"
 
 namespace cmpihost {
 
@@ -50,8 +51,11 @@ struct Host::Impl {
   std::function<std::chrono::system_clock::time_point()> clock;
 
  private:
+  // By namespace, then class, both without regard to case: every
+  // newInstance asks, so a lookup makes no lower-cased key.
+  using ShapesOfNameSpace = std::map<std::string, std::shared_ptr<const ClassShape>, NoCaseLess>;
   std::mutex shapesMutex_;
-  std::map<std::string, std::shared_ptr<const ClassShape>> shapes_;
+  std::map<std::string, ShapesOfNameSpace, NoCaseLess> shapes_;
 };
 
 }  // namespace cmpihost

@@ -379,6 +379,14 @@ CMPIStatus Record(const CMPIBroker* broker, LogRecord::Kind kind, int severity, 
 
 CMPIStatus LogMessage(const CMPIBroker* broker, int severity, const char* id, const char* text,
                       const CMPIString* string) {
+  // The common case, first and cheapest: nobody keeps or reads the record.
+  const Host::Impl* host = Host::Impl::Of(broker);
+  if (host != nullptr && !host->log.wanted()) {
+    CMPIStatus ok;
+    ok.rc = CMPI_RC_OK;
+    ok.msg = nullptr;
+    return ok;
+  }
   return Record(broker, LogRecord::Kind::kLog, severity, id, text, string);
 }
 

@@ -186,14 +186,14 @@ CMPIString* NewMessageString(const std::string& text) {
   return object.release();
 }
 
-CMPIStatus MakeStatus(CMPIrc rc, const std::string& message) {
+CMPIStatus MakeStatus(CMPIrc rc, std::string_view message) {
   CMPIStatus status;
   status.rc = rc;
-  status.msg = message.empty() ? nullptr : NewMessageString(message);
+  status.msg = message.empty() ? nullptr : NewMessageString(std::string(message));
   return status;
 }
 
-void SetStatus(CMPIStatus* out, CMPIrc rc, const std::string& message) {
+void SetStatus(CMPIStatus* out, CMPIrc rc, std::string_view message) {
   if (out != nullptr) {
     *out = MakeStatus(rc, message);
   }

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -149,8 +150,10 @@ T* CreateInScope(CMPIStatus* rc, Args&&... args);
 
 // The status helpers; messages become strings of the current scope (or the
 // message is null when no scope is open).
-CMPIStatus MakeStatus(CMPIrc rc, const std::string& message = {});
-void SetStatus(CMPIStatus* out, CMPIrc rc, const std::string& message = {});
+// (A view, so that the OK status every broker function ends with makes no
+// string.)
+CMPIStatus MakeStatus(CMPIrc rc, std::string_view message = {});
+void SetStatus(CMPIStatus* out, CMPIrc rc, std::string_view message = {});
 void SetNoScopeStatus(CMPIStatus* out);
 CMPIStatus NoScopeStatus();
 CMPIString* NewMessageString(const std::string& text);

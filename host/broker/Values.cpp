@@ -167,6 +167,10 @@ const NamedValue* NamedValues::find(const std::string& name) const {
   return nullptr;
 }
 
+void NamedValues::append(const std::string& name, HostValue value) {
+  items_.push_back(NamedValue{name, std::move(value)});
+}
+
 void NamedValues::set(const std::string& name, HostValue value) {
   for (NamedValue& item : items_) {
     if (EqualsIgnoreCase(item.name, name)) {
@@ -177,10 +181,61 @@ void NamedValues::set(const std::string& name, HostValue value) {
   items_.push_back(NamedValue{name, std::move(value)});
 }
 
-// Every getProperty and setProperty asks this, so names of another length
-// are passed over without comparing their letters, and a C string argument
-// needs no std::string made of it.
+namespace {
+
+char LowerAscii(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Length, first and last letter, case folded: enough to tell apart the
+// names of one class in nearly every case, and cheaper than reading them.
+std::size_t NoCaseNameHash(std::string_view name) {
+  if (name.empty()) {
+    return 0;
+  }
+  return (name.size() * 131) ^ (static_cast<unsigned char>(LowerAscii(name.front())) * 31U) ^
+         static_cast<unsigned char>(LowerAscii(name.back()));
+}
+
+bool SameName(const std::string& declared, std::string_view name) {
+  return declared.size() == name.size() &&
+         strncasecmp(declared.data(), name.data(), name.size()) == 0;
+}
+
+}  // namespace
+
+void ClassShape::buildIndex() {
+  if (properties.size() >= 0x8000) {
+    return;  // more than any class declares: find keeps comparing names
+  }
+  std::size_t size = 4;
+  while (size < properties.size() * 2) {
+    size *= 2;
+  }
+  slots_.assign(size, 0);
+  for (std::size_t i = 0; i < properties.size(); ++i) {
+    std::size_t slot = NoCaseNameHash(properties[i].name) & (size - 1);
+    while (slots_[slot] != 0) {
+      slot = (slot + 1) & (size - 1);
+    }
+    slots_[slot] = static_cast<std::uint16_t>(i + 1);
+  }
+}
+
+// Every getProperty and setProperty asks this: a hash probe when the shape
+// is indexed, and a C string argument needs no std::string made of it.
 std::optional<std::size_t> ClassShape::find(std::string_view name) const {
+  if (!slots_.empty()) {
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t slot = NoCaseNameHash(name) & mask; slots_[slot] != 0;
+         slot = (slot + 1) & mask) {
+      const std::size_t index = slots_[slot] - 1U;
+      if (SameName(properties[index].name, name)) {
+        return index;
+      }
+    }
+    return std::nullopt;
+  }
   for (std::size_t i = 0; i < properties.size(); ++i) {
     const std::string& candidate = properties[i].name;
     if (candidate.size() == name.size() &&
@@ -196,9 +251,10 @@ PathData InstanceData::objectPath() const {
   path.host = host;
   path.nameSpace = nameSpace;
   path.className = shape->className;
+  // A class declares each name once, so no key needs looking for first.
   for (std::size_t i = 0; i < shape->properties.size(); ++i) {
     if (shape->properties[i].isKey && !values[i].null) {
-      path.keys.set(shape->properties[i].name, values[i]);
+      path.keys.append(shape->properties[i].name, values[i]);
     }
   }
   return path;
@@ -262,15 +318,27 @@ std::string RealText(double value, bool single) {
 
 namespace {
 
-std::string Quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
-      out += '\\';
-    }
-    out += c;
+// Appends `text` in double quotes, a backslash before each '"' and '\\';
+// the runs between them go in whole.
+void AppendQuoted(std::string& out, const std::string& text) {
+  out += '"';
+  std::size_t start = 0;
+  for (std::size_t special = text.find_first_of("\"\\"); special != std::string::npos;
+       special = text.find_first_of("\"\\", special + 1)) {
+    out.append(text, start, special - start);
+    out += '\\';
+    out += text[special];
+    start = special + 1;
   }
-  return out + "\"";
+  out.append(text, start, std::string::npos);
+  out += '"';
+}
+
+std::string Quoted(const std::string& text) {
+  std::string out;
+  out.reserve(text.size() + 2);
+  AppendQuoted(out, text);
+  return out;
 }
 
 std::uint64_t UnsignedOf(const HostValue& value) {
@@ -311,6 +379,30 @@ bool IsSigned(CMPIType type) {
 
 }  // namespace
 
+namespace {
+
+// Appends KeyValueText(value): strings, date-times and references straight
+// into `out`, since paths are printed for every lookup a provider makes.
+void AppendKeyValueText(std::string& out, const HostValue& value) {
+  if (!value.null) {
+    switch (value.type) {
+      case CMPI_dateTime:
+      case CMPI_string:
+      case CMPI_chars:
+        AppendQuoted(out, value.text);
+        return;
+      case CMPI_ref:
+        AppendQuoted(out, value.path() != nullptr ? PathToString(*value.path()) : std::string());
+        return;
+      default:
+        break;
+    }
+  }
+  out += KeyValueText(value);
+}
+
+}  // namespace
+
 std::string KeyValueText(const HostValue& value) {
   if (value.null) {
     return "NULL";
@@ -344,24 +436,44 @@ std::string KeyValueText(const HostValue& value) {
 }
 
 std::string PathToString(const PathData& path) {
+  const std::vector<NamedValue>& items = path.keys.items();
+  // Keys in name order, ties in their own order: an insertion sort of
+  // pointers, on the stack for the few keys a class has.
+  constexpr std::size_t kFewKeys = 16;
+  const NamedValue* few[kFewKeys];
+  std::vector<const NamedValue*> many;
+  const NamedValue** keys = few;
+  if (items.size() > kFewKeys) {
+    many.resize(items.size());
+    keys = many.data();
+  }
+  std::size_t length = path.host.size() + path.nameSpace.size() + path.className.size() + 4;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const NamedValue* key = &items[i];
+    length += key->name.size() + key->value.text.size() + 4;
+    std::size_t j = i;
+    for (; j > 0 && strcasecmp(key->name.c_str(), keys[j - 1]->name.c_str()) < 0; --j) {
+      keys[j] = keys[j - 1];
+    }
+    keys[j] = key;
+  }
   std::string out;
+  out.reserve(length);
   if (!path.host.empty()) {
-    out += "//" + path.host + "/";
+    out += "//";
+    out += path.host;
+    out += '/';
   }
   if (!path.nameSpace.empty()) {
-    out += path.nameSpace + ":";
+    out += path.nameSpace;
+    out += ':';
   }
   out += path.className;
-  std::vector<const NamedValue*> keys;
-  for (const NamedValue& key : path.keys.items()) {
-    keys.push_back(&key);
-  }
-  std::stable_sort(keys.begin(), keys.end(), [](const NamedValue* a, const NamedValue* b) {
-    return strcasecmp(a->name.c_str(), b->name.c_str()) < 0;
-  });
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    out += i == 0 ? "." : ",";
-    out += keys[i]->name + "=" + KeyValueText(keys[i]->value);
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    out += i == 0 ? '.' : ',';
+    out += keys[i]->name;
+    out += '=';
+    AppendKeyValueText(out, keys[i]->value);
   }
   return out;
 }

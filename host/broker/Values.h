@@ -7,6 +7,7 @@
 
 #include <cmpidt.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -77,6 +78,9 @@ class NamedValues {
   const NamedValue* find(const std::string& name) const;
   // Replaces the value of an existing name, or appends.
   void set(const std::string& name, HostValue value);
+  // Appends a name known to differ from every name already held.
+  void append(const std::string& name, HostValue value);
+  void reserve(std::size_t count) { items_.reserve(count); }
   const std::vector<NamedValue>& items() const { return items_; }
   std::size_t size() const { return items_.size(); }
 
@@ -105,6 +109,12 @@ struct ClassShape {
   std::vector<PropertyShape> properties;
   // Index of the property (case-insensitive), or nullopt.
   std::optional<std::size_t> find(std::string_view name) const;
+  // Makes find a hash lookup; call once `properties` is complete and before
+  // the shape is shared. Without it find compares names one by one.
+  void buildIndex();
+
+ private:
+  std::vector<std::uint16_t> slots_;  // property index + 1 by name hash; 0 is free
 };
 
 struct InstanceData {
