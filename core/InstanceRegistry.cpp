@@ -4,6 +4,9 @@
 #include <cctype>
 #include <mutex>
 #include <sstream>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
 #include "core/TextStreams.h"
 #include "core/Trace.h"
@@ -20,6 +23,35 @@ namespace {
 // provider again) nor while a bag's method runs (a plug-in's test can take
 // long, and may register objects itself).
 std::mutex registryMutex;
+
+using Container = std::map<std::string, InstanceRegistry::Instance*>;
+using Slot = InstanceRegistry::Instance*;
+
+// A hash index beside each class's container, by path text: among a million
+// records a lookup in the ordered map alone compares texts at some twenty
+// levels of a tree spread over the heap. Its keys view the container's own
+// key strings and its values point at the container's slots; map nodes never
+// move and nothing is ever removed, so both stay valid for good. Guarded by
+// registryMutex, and kept for the life of the process like the containers.
+using PathIndex = std::unordered_map<std::string_view, Slot*>;
+
+PathIndex& IndexOf(const Container* container) {
+  static auto* const indexes = new std::unordered_map<const Container*, PathIndex>();
+  return (*indexes)[container];
+}
+
+// The slot filed under `pathText`, inserted empty when there is none (as the
+// container's operator[] does), and known to the index from then on.
+Slot& SlotOf(Container& container, const std::string& pathText) {
+  PathIndex& index = IndexOf(&container);
+  const auto found = index.find(pathText);
+  if (found != index.end()) {
+    return *found->second;
+  }
+  const auto slot = container.try_emplace(pathText, nullptr).first;
+  index.emplace(std::string_view(slot->first), &slot->second);
+  return slot->second;
+}
 
 }  // namespace
 
@@ -58,10 +90,8 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
     return;
   }
 
-  std::ostringstream& created = WritingStream();
-  created << "Created instance: " << static_cast<const void*>(clone)
-          << ", hdl = " << static_cast<const void*>(clone->hdl);
-  Trace(broker, CMPI_DEV_DEBUG, created.str());
+  Trace(broker, CMPI_DEV_DEBUG,
+        {"Created instance: ", PointerText(clone), ", hdl = ", PointerText(clone->hdl)});
 
   auto* entry = new Instance(bag, clone);
   const CMPIObjectPath* path = clone->ft->getObjectPath(clone, &status);
@@ -78,7 +108,7 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
     }
     // A later registration under the same text wins; the earlier entry stays
     // allocated, as everything once registered does.
-    (*container)[pathText] = entry;
+    SlotOf(*container, pathText) = entry;
   }
   Trace(broker, CMPI_DEV_DEBUG, {">>>>> Registered ", pathText});
 }
@@ -94,7 +124,7 @@ InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* brok
     auto* container = containers[classKey];
     classKnown = container != nullptr;
     if (classKnown) {
-      found = (*container)[pathText];
+      found = SlotOf(*container, pathText);
     }
   }
   if (!classKnown) {
@@ -139,8 +169,22 @@ void InstanceRegistry::GetCMPIInstances(const CMPIBroker* /*broker*/, std::strin
     sortByEnumOrder = firstEntry->impl->find("EnumOrder") != firstEntry->impl->end();
   }
   // The comparison asks the broker for property values: outside the lock.
+  // Each value is read once, not at every comparison; std::sort moves the
+  // elements by the outcomes of its comparisons alone, and those are the
+  // ones CompareInstanceEnumOrder gives, so the order is the same.
   if (sortByEnumOrder) {
-    std::sort(out.begin(), out.end(), CompareInstanceEnumOrder());
+    std::vector<std::pair<CMPIUint32, CMPIInstance*>> keyed;
+    keyed.reserve(out.size());
+    for (CMPIInstance* instance : out) {
+      keyed.emplace_back(instance->ft->getProperty(instance, "EnumOrder", nullptr).value.uint32,
+                         instance);
+    }
+    std::sort(keyed.begin(), keyed.end(),
+              [](const std::pair<CMPIUint32, CMPIInstance*>& a,
+                 const std::pair<CMPIUint32, CMPIInstance*>& b) { return a.first < b.first; });
+    for (std::size_t i = 0; i < keyed.size(); ++i) {
+      out[i] = keyed[i].second;
+    }
   }
 }
 

@@ -1,5 +1,6 @@
 #include "core/TextStreams.h"
 
+#include <cstdint>
 #include <locale>
 
 namespace NQENDRA20 {
@@ -34,6 +35,45 @@ std::ostringstream& WritingStream() {
   AsIfNew(stream);
   stream.str(std::string());
   return stream;
+}
+
+namespace {
+
+// Whether the global locale groups digits, asked again only when the global
+// locale has changed since this thread last asked.
+bool GlobalLocaleGroups() {
+  thread_local std::locale seen = std::locale::classic();
+  thread_local bool groups = false;
+  const std::locale global;
+  if (global != seen) {
+    seen = global;
+    groups = !std::use_facet<std::numpunct<char>>(global).grouping().empty();
+  }
+  return groups;
+}
+
+}  // namespace
+
+std::string PointerText(const void* pointer) {
+  if (GlobalLocaleGroups()) {
+    std::ostringstream& out = WritingStream();
+    out << pointer;
+    return out.str();
+  }
+  auto value = reinterpret_cast<std::uintptr_t>(pointer);
+  if (value == 0) {
+    return "0";
+  }
+  char digits[2 * sizeof value];
+  std::size_t count = 0;
+  for (; value != 0; value >>= 4) {
+    digits[count++] = "0123456789abcdef"[value & 0xF];
+  }
+  std::string text = "0x";
+  while (count > 0) {
+    text += digits[--count];
+  }
+  return text;
 }
 
 }  // namespace NQENDRA20

@@ -17,6 +17,11 @@ std::istringstream& ReadingStream(const std::string& text);
 // What was written is read with str() before the next call on this thread.
 std::ostringstream& WritingStream();
 
+// `pointer` as std::ostringstream() << pointer writes it: "0" for null,
+// otherwise "0x" and lower-case hex digits, grouped if the global locale
+// groups numbers.
+std::string PointerText(const void* pointer);
+
 }  // namespace NQENDRA20
 
 #endif  // DIAGCORE_CORE_TEXTSTREAMS_H_
