@@ -118,9 +118,10 @@ std::shared_ptr<const ClassShape> Host::Impl::shapeOf(const std::string& nameSpa
 
 NamedValues Host::Impl::contextEntries(const std::string& nameSpace) const {
   NamedValues entries;
-  entries.set(CMPIInitNameSpace, HostValue::String(nameSpace));
-  entries.set(CMPIInvocationFlags, HostValue::Unsigned(CMPI_uint32, 0));
-  entries.set(CMPIPrincipal, HostValue::String("cmpihost"));
+  entries.reserve(3);
+  entries.append(CMPIInitNameSpace, HostValue::String(nameSpace));
+  entries.append(CMPIInvocationFlags, HostValue::Unsigned(CMPI_uint32, 0));
+  entries.append(CMPIPrincipal, HostValue::String("cmpihost"));
   return entries;
 }
 

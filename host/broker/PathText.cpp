@@ -1,5 +1,6 @@
 #include "broker/PathText.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
@@ -21,11 +22,13 @@ class ValueProblem : public std::runtime_error {
   throw HostError("path text '" + text + "': column " + std::to_string(column) + ": " + problem);
 }
 
+// ASCII letters, digits and '_' only, as the "C" locale's isalpha and
+// isalnum have them, without a call into the C library per character.
 bool IsNameStart(char c) {
-  return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_';
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
 bool IsNameChar(char c) {
-  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+  return IsNameStart(c) || (c >= '0' && c <= '9');
 }
 
 std::string Trimmed(const std::string& text) {
@@ -118,15 +121,18 @@ std::pair<std::int64_t, std::int64_t> SignedRange(CMPIType type) {
 // backslash escapes (\" and \\, and any other escaped character as itself).
 // Returns the position after the closing quote, or npos when unterminated.
 std::size_t ReadQuoted(const std::string& text, std::size_t pos, std::string& out) {
-  for (++pos; pos < text.size(); ++pos) {
+  std::size_t run = ++pos;  // start of the characters not yet copied
+  for (; pos < text.size(); ++pos) {
     if (text[pos] == '\\' && pos + 1 < text.size()) {
+      out.append(text, run, pos - run);
       out += text[++pos];
+      run = pos + 1;
     } else if (text[pos] == '"') {
+      out.append(text, run, pos - run);
       return pos + 1;
-    } else {
-      out += text[pos];
     }
   }
+  out.append(text, run, pos - run);
   return std::string::npos;
 }
 
@@ -336,6 +342,8 @@ PathSyntax ParsePathSyntax(const std::string& text) {
          std::string("expected '.' and keys after the class name, found '") + text[pos] + "'");
   }
   ++pos;
+  syntax.keys.reserve(static_cast<std::size_t>(std::count(text.begin() + pos, text.end(), ',')) +
+                      1);
   while (true) {
     const std::size_t nameStart = pos;
     while (pos < n && IsNameChar(text[pos])) {
@@ -371,7 +379,7 @@ PathSyntax ParsePathSyntax(const std::string& text) {
       }
       pos = end;
     }
-    syntax.keys.push_back(key);
+    syntax.keys.push_back(std::move(key));
     if (pos == n) {
       return syntax;
     }
@@ -395,10 +403,12 @@ PathData TypePath(const PathSyntax& syntax, const std::string& text,
   if (shape) {
     path.className = shape->className;
   }
+  // The syntax has refused names given twice, so each key is appended.
+  path.keys.reserve(syntax.keys.size());
   for (const PathSyntax::Key& key : syntax.keys) {
     try {
       if (!shape) {
-        path.keys.set(key.name, Inferred(key));
+        path.keys.append(key.name, Inferred(key));
         continue;
       }
       const auto index = shape->find(key.name);
@@ -410,8 +420,8 @@ PathData TypePath(const PathSyntax& syntax, const std::string& text,
         Fail(text, key.column,
              "property " + property.name + " of class " + shape->className + " is not a key");
       }
-      path.keys.set(property.name, Convert(key.text, key.quoted ? Form::kQuoted : Form::kBare,
-                                           property.type, path.nameSpace, lookup));
+      path.keys.append(property.name, Convert(key.text, key.quoted ? Form::kQuoted : Form::kBare,
+                                              property.type, path.nameSpace, lookup));
     } catch (const ValueProblem& problem) {
       Fail(text, key.column, "key " + key.name + ": " + problem.what());
     }
