@@ -191,7 +191,7 @@ std::string ObjectText(const void* object) {
     return dateTime->value.text;
   }
   if (const auto* instance = dynamic_cast<InstanceObject*>(any)) {
-    return ToSnapshot(instance->data).toMof();
+    return ToSnapshot(instance->data()).toMof();
   }
   return TypeNameOf(object);
 }

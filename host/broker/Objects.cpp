@@ -25,9 +25,28 @@ ObjectPathObject::ObjectPathObject(PathData data) : path(std::move(data)) {
   SetTable(*this, kObjectPathFT);
 }
 
-InstanceObject::InstanceObject(InstanceData instance) : data(std::move(instance)) {
+InstanceObject::InstanceObject(InstanceData instance)
+    : data_(std::make_shared<InstanceData>(std::move(instance))) {
   hdl = this;
   SetTable(*this, kInstanceFT);
+}
+
+// Shared, not copied: mutableData copies it before the first change.
+InstanceObject::InstanceObject(std::shared_ptr<const InstanceData> shared)
+    : data_(std::const_pointer_cast<InstanceData>(std::move(shared))) {
+  hdl = this;
+  SetTable(*this, kInstanceFT);
+}
+
+void InstanceObject::setData(InstanceData instance) {
+  data_ = std::make_shared<InstanceData>(std::move(instance));
+}
+
+InstanceData& InstanceObject::mutableData() {
+  if (data_.use_count() > 1) {
+    data_ = std::make_shared<InstanceData>(*data_);
+  }
+  return *data_;
 }
 
 ArgsObject::ArgsObject(NamedValues values) : args(std::move(values)) {
@@ -322,7 +341,7 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
         problem = "the CMPIInstance is not one this broker made";
         return CMPI_RC_ERR_INVALID_HANDLE;
       }
-      out.setInstance(instance->data);
+      out.setInstance(instance->data());
       return CMPI_RC_OK;
     }
     default:
@@ -408,7 +427,7 @@ CMPIData ToCmpiData(const HostValue& value, CMPIStatus* rc) {
     data.value.ref = path;
     made = path;
   } else if (value.type == CMPI_instance) {
-    auto* instance = CreateInScope<InstanceObject>(rc, *value.instance());
+    auto* instance = CreateInScope<InstanceObject>(rc, value.sharedInstance());
     data.value.inst = instance;
     made = instance;
   } else {

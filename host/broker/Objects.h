@@ -60,9 +60,19 @@ struct ObjectPathObject final : HostObject, CMPIObjectPath {
   PathData path;
 };
 
+// An instance's data is shared with the results it was returned into, so
+// that returning a kept instance copies nothing; whoever changes it first
+// gets a copy of its own (a result keeps what was returned).
 struct InstanceObject final : HostObject, CMPIInstance {
   explicit InstanceObject(InstanceData instance);
-  InstanceData data;
+  explicit InstanceObject(std::shared_ptr<const InstanceData> shared);
+  const InstanceData& data() const { return *data_; }
+  InstanceData& mutableData();
+  void setData(InstanceData instance);
+  std::shared_ptr<const InstanceData> share() const { return data_; }
+
+ private:
+  std::shared_ptr<InstanceData> data_;
 };
 
 struct ArgsObject final : HostObject, CMPIArgs {

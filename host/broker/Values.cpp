@@ -112,6 +112,11 @@ const InstanceData* HostValue::instance() const {
                                       : nullptr;
 }
 
+std::shared_ptr<const InstanceData> HostValue::sharedInstance() const {
+  return nested_ == Nested::kInstance ? std::static_pointer_cast<const InstanceData>(nestedData_)
+                                      : nullptr;
+}
+
 const std::vector<HostValue>& HostValue::elements() const {
   static const std::vector<HostValue> kNoElements;
   return nested_ == Nested::kElements
@@ -127,6 +132,11 @@ void HostValue::setPath(PathData path) {
 void HostValue::setInstance(InstanceData instance) {
   nested_ = Nested::kInstance;
   nestedData_ = std::make_shared<const InstanceData>(std::move(instance));
+}
+
+void HostValue::setInstance(std::shared_ptr<const InstanceData> instance) {
+  nested_ = Nested::kInstance;
+  nestedData_ = std::move(instance);
 }
 
 void HostValue::setElements(std::vector<HostValue> elements) {
@@ -323,12 +333,13 @@ namespace {
 void AppendQuoted(std::string& out, const std::string& text) {
   out += '"';
   std::size_t start = 0;
-  for (std::size_t special = text.find_first_of("\"\\"); special != std::string::npos;
-       special = text.find_first_of("\"\\", special + 1)) {
-    out.append(text, start, special - start);
-    out += '\\';
-    out += text[special];
-    start = special + 1;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '"' || text[i] == '\\') {
+      out.append(text, start, i - start);
+      out += '\\';
+      out += text[i];
+      start = i + 1;
+    }
   }
   out.append(text, start, std::string::npos);
   out += '"';

@@ -44,9 +44,11 @@ struct HostValue {
   // once and shared by every copy of the value; never changed.
   const PathData* path() const;
   const InstanceData* instance() const;
+  std::shared_ptr<const InstanceData> sharedInstance() const;
   const std::vector<HostValue>& elements() const;
   void setPath(PathData path);
   void setInstance(InstanceData instance);
+  void setInstance(std::shared_ptr<const InstanceData> instance);
   void setElements(std::vector<HostValue> elements);
 
   // The date-time that text, scalar and interval hold (CMPI_dateTime).
@@ -123,7 +125,8 @@ struct InstanceData {
   std::string nameSpace;          // of the path the instance was created with
   std::vector<HostValue> values;  // parallel to shape->properties
   // setPropertyFilter: when set, only these names (and keys) may be set.
-  std::optional<std::vector<std::string>> filter;
+  // (Behind a pointer: an instance rarely has one, and a kept one is small.)
+  std::shared_ptr<const std::vector<std::string>> filter;
 
   // Host and namespace of the creation path; keys from the Key properties.
   PathData objectPath() const;
