@@ -46,7 +46,11 @@ const std::vector<Figure>& Figures() {
       {"BM_EnumInstances", "ratio",
        "EnumInstances of 100,000 records through the host / minimal provider, per instance", 1.2,
        "x"},
-      {"BM_GetInstance", "ratio", "GetInstance among 1,000,000 records / among 1,000", 2.0, "x"},
+      {"BM_GetInstance", "ratio",
+       "GetInstance among 1,000,000 records / among 1,000, through the host", 2.0, "x"},
+      {"BM_GetInstanceAtMI", "ratio",
+       "The same at the library's MI alone (information: cache misses against little work)", 0,
+       "x"},
       {"BM_RunDiagnostic", "ratio",
        "RunDiagnostic (test does nothing) end to end / one record registration", 1.5, "x"},
       {"BM_AssociatorsOneMatch", "ratio",
@@ -114,10 +118,15 @@ bool FigureReporter::PrintTable(std::ostream& out) const {
           << "\n";
       continue;
     }
+    out << std::right << std::setw(8) << Number(median, figure.unit) << " " << std::left
+        << std::setw(2) << figure.unit;
+    if (figure.target <= 0) {
+      out << " no target           " << figure.what << "\n";
+      continue;
+    }
     const bool met = median <= figure.target;
     allMet = allMet && met;
-    out << std::right << std::setw(8) << Number(median, figure.unit) << " " << std::left
-        << std::setw(2) << figure.unit << " target <= " << Number(figure.target, figure.unit)
+    out << " target <= " << Number(figure.target, figure.unit)
         << (met ? "  met     " : "  MISSED  ") << figure.what << "\n";
   }
   return allMet;
@@ -134,8 +143,10 @@ void FigureReporter::WriteJson(std::ostream& out, const std::string& commit) con
     if (std::isnan(median)) {
       out << ", \"measured\": null, \"met\": null";
     } else {
-      out << ", \"measured\": " << median
-          << ", \"met\": " << (median <= figure.target ? "true" : "false");
+      out << ", \"measured\": " << median << ", \"met\": "
+          << (figure.target <= 0        ? "null"
+              : median <= figure.target ? "true"
+                                        : "false");
     }
     out << "}";
     first = false;

@@ -18,7 +18,7 @@ struct Figure {
   std::string benchmark;  // the benchmark function's name
   std::string counter;    // the counter that carries the figure
   std::string what;       // what is compared with what
-  double target;          // the figure must not exceed it
+  double target;          // the figure must not exceed it; 0: for information only
   std::string unit;       // "x" (a ratio), "B", "s"
 };
 

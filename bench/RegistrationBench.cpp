@@ -62,8 +62,8 @@ std::vector<TypedProperty> TypedValues(const NQENDRA20::InstanceImpl& bag) {
 
 // newObjectPath, newInstance, one setProperty per value, clone: the least a
 // provider does to keep an instance past its call.
-CMPIInstance* BuildDirectly(const CMPIBroker* broker, const char* className,
-                            std::vector<TypedProperty>& properties) {
+[[gnu::noinline]] CMPIInstance* BuildDirectly(const CMPIBroker* broker, const char* className,
+                                              std::vector<TypedProperty>& properties) {
   CMPIStatus status = {CMPI_RC_OK, nullptr};
   CMPIObjectPath* path = broker->eft->newObjectPath(broker, kNameSpace, className, &status);
   path->ft->setHostname(path, "localhost");
