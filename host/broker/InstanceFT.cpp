@@ -47,7 +47,19 @@ CMPIData InstanceGetProperty(const CMPIInstance* instance, const char* name, CMP
     SetStatus(rc, CMPI_RC_ERR_NO_SUCH_PROPERTY, NoSuchProperty(object->data(), name));
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  return ToCmpiData(object->data().values[*index], rc);
+  const HostValue& value = object->data().values[*index];
+  if (value.null) {
+    // A builder asks every property of a new instance for its type: answered here.
+    if (rc != nullptr) {
+      rc->rc = CMPI_RC_OK;
+      rc->msg = nullptr;
+    }
+    CMPIData data{};
+    data.type = value.type;
+    data.state = CMPI_nullValue;
+    return data;
+  }
+  return ToCmpiData(value, rc);
 }
 
 CMPIData InstanceGetPropertyAt(const CMPIInstance* instance, CMPICount index, CMPIString** name,
