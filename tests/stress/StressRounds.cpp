@@ -18,6 +18,7 @@ void StressRounds::Run(const std::function<void(int thread, int round)>& body) {
   std::atomic<bool> go{false};
   std::chrono::steady_clock::time_point deadline;
   std::vector<std::thread> workers;
+  workers.reserve(static_cast<std::size_t>(threads_));
   for (int thread = 0; thread < threads_; ++thread) {
     workers.emplace_back([&, thread] {
       ++ready;
