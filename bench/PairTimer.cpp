@@ -1,6 +1,6 @@
 #include "bench/PairTimer.h"
 
-#include <time.h>
+#include <ctime>
 
 namespace bench {
 
@@ -48,7 +48,7 @@ void PairTimer::Run(benchmark::State& state, const Side& subject, const Side& ba
     state.SetIterationTime(first + second);
     ++rounds;
   }
-  const double ops = static_cast<double>(rounds * batch_);
+  const auto ops = static_cast<double>(rounds * batch_);
   if (ops > 0 && subjectSeconds > 0 && baselineSeconds > 0) {
     const double subjectNs = subjectSeconds * 1e9 / (ops * subject.unitsPerOp);
     const double baselineNs = baselineSeconds * 1e9 / (ops * baseline.unitsPerOp);
