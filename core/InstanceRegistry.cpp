@@ -4,7 +4,11 @@
 #include <cctype>
 #include <mutex>
 #include <sstream>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
+#include "core/TextStreams.h"
 #include "core/Trace.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/CimNames.h"
@@ -20,7 +24,8 @@ namespace {
 // long, and may register objects itself).
 std::mutex registryMutex;
 
-using ClassContainer = std::map<std::string, InstanceRegistry::Instance*>;
+using Container = std::map<std::string, InstanceRegistry::Instance*>;
+using Slot = InstanceRegistry::Instance*;
 
 // The registry's two allocations that are kept for the life of the process
 // have functions of their own, so that the leak checker's suppressions
@@ -28,13 +33,68 @@ using ClassContainer = std::map<std::string, InstanceRegistry::Instance*>;
 // allocates. Everything reachable only from them (slots, bags, clones) is
 // kept with them. Never inlined, so that an optimised build keeps the names
 // on the allocation's stack too.
-[[gnu::noinline]] ClassContainer* NewRegistryContainer() {
-  return new ClassContainer();
+[[gnu::noinline]] Container* NewRegistryContainer() {
+  return new Container();
 }
 
 [[gnu::noinline]] InstanceRegistry::Instance* NewRegistryEntry(InstanceImpl* bag,
                                                                CMPIInstance* clone) {
   return new InstanceRegistry::Instance(bag, clone);
+}
+
+// A hash index beside each class's container, by path text: among a million
+// records a lookup in the ordered map alone compares texts at some twenty
+// levels of a tree spread over the heap. Its keys view the container's own
+// key strings; each value points at the container's slot and holds a copy of
+// what the slot holds, so that a lookup does not read the map node either.
+// Map nodes never move and nothing is ever removed, so both stay valid for
+// good. Guarded by registryMutex, and kept for the life of the process like
+// the containers.
+struct Indexed {
+  Slot* slot;
+  Slot entry;
+  CMPIInstance* ci;  // the entry's, or null
+};
+using PathIndex = std::unordered_map<std::string_view, Indexed>;
+
+PathIndex& IndexOf(const Container* container) {
+  static auto* const indexes = new std::unordered_map<const Container*, PathIndex>();
+  return (*indexes)[container];
+}
+
+// The index's record of the slot filed under `pathText`; the slot is
+// inserted empty when there is none (as the container's operator[] does),
+// and is known to the index from then on.
+Indexed& IndexedOf(Container& container, const std::string& pathText) {
+  PathIndex& index = IndexOf(&container);
+  const auto found = index.find(pathText);
+  if (found != index.end()) {
+    return found->second;
+  }
+  const auto slot = container.try_emplace(pathText, nullptr).first;
+  const Slot entry = slot->second;
+  return index
+      .emplace(std::string_view(slot->first),
+               Indexed{&slot->second, entry, entry != nullptr ? entry->ci : nullptr})
+      .first->second;
+}
+
+// Files `entry` under `pathText`, replacing what was filed there.
+void File(Container& container, const std::string& pathText, Slot entry) {
+  Indexed& indexed = IndexedOf(container, pathText);
+  *indexed.slot = entry;
+  indexed.entry = entry;
+  indexed.ci = entry->ci;
+}
+
+// Asks the memory for the entry and its instance at once, before the caller
+// reads the one to find the other: among a million records both are far.
+InstanceRegistry::Instance* Fetched(const Indexed& indexed) {
+  if (indexed.entry != nullptr) {
+    __builtin_prefetch(indexed.entry);
+    __builtin_prefetch(indexed.ci);
+  }
+  return indexed.entry;
 }
 
 }  // namespace
@@ -74,10 +134,8 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
     return;
   }
 
-  std::ostringstream created;
-  created << "Created instance: " << static_cast<const void*>(clone)
-          << ", hdl = " << static_cast<const void*>(clone->hdl);
-  Trace(broker, CMPI_DEV_DEBUG, created.str());
+  Trace(broker, CMPI_DEV_DEBUG,
+        {"Created instance: ", PointerText(clone), ", hdl = ", PointerText(clone->hdl)});
 
   Instance* entry = NewRegistryEntry(bag, clone);
   const CMPIObjectPath* path = clone->ft->getObjectPath(clone, &status);
@@ -94,9 +152,9 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
     }
     // A later registration under the same text wins; the earlier entry stays
     // allocated, as everything once registered does.
-    (*container)[pathText] = entry;
+    File(*container, pathText, entry);
   }
-  Trace(broker, CMPI_DEV_DEBUG, ">>>>> Registered " + pathText);
+  Trace(broker, CMPI_DEV_DEBUG, {">>>>> Registered ", pathText});
 }
 
 InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* broker,
@@ -110,7 +168,7 @@ InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* brok
     auto* container = containers[classKey];
     classKnown = container != nullptr;
     if (classKnown) {
-      found = (*container)[pathText];
+      found = Fetched(IndexedOf(*container, pathText));
     }
   }
   if (!classKnown) {
@@ -155,8 +213,22 @@ void InstanceRegistry::GetCMPIInstances(const CMPIBroker* /*broker*/, std::strin
     sortByEnumOrder = firstEntry->impl->find("EnumOrder") != firstEntry->impl->end();
   }
   // The comparison asks the broker for property values: outside the lock.
+  // Each value is read once, not at every comparison; std::sort moves the
+  // elements by the outcomes of its comparisons alone, and those are the
+  // ones CompareInstanceEnumOrder gives, so the order is the same.
   if (sortByEnumOrder) {
-    std::sort(out.begin(), out.end(), CompareInstanceEnumOrder());
+    std::vector<std::pair<CMPIUint32, CMPIInstance*>> keyed;
+    keyed.reserve(out.size());
+    for (CMPIInstance* instance : out) {
+      keyed.emplace_back(instance->ft->getProperty(instance, "EnumOrder", nullptr).value.uint32,
+                         instance);
+    }
+    std::sort(keyed.begin(), keyed.end(),
+              [](const std::pair<CMPIUint32, CMPIInstance*>& a,
+                 const std::pair<CMPIUint32, CMPIInstance*>& b) { return a.first < b.first; });
+    for (std::size_t i = 0; i < keyed.size(); ++i) {
+      out[i] = keyed[i].second;
+    }
   }
 }
 

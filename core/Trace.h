@@ -6,13 +6,20 @@
 #include <cmpidt.h>
 #include <cmpift.h>
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace NQENDRA20 {
 
 // Progress traces use CMPI_DEV_DEBUG (4), failed lookups and invalid objects
 // CMPI_SEV_WARNING (3). The broker's answer is ignored.
+void Trace(const CMPIBroker* broker, int severity, const char* text);
 void Trace(const CMPIBroker* broker, int severity, const std::string& text);
+// The text is `parts` one after the other. A CIMOM that does not keep debug
+// traces still receives every one, so they are composed in a buffer that each
+// thread reuses: tracing allocates nothing once the buffer has grown.
+void Trace(const CMPIBroker* broker, int severity, std::initializer_list<std::string_view> parts);
 
 }  // namespace NQENDRA20
 

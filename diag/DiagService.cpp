@@ -93,7 +93,7 @@ CMPIStatus DiagService::invokeMethod(const CMPIBroker* broker, const CMPIContext
     return invalid;
   }
   std::string elementText = CMPIUtil::GetObjectPathString(elementPath);
-  Trace(broker, CMPI_DEV_DEBUG, "^^^^ opString = " + elementText);
+  Trace(broker, CMPI_DEV_DEBUG, {"^^^^ opString = ", elementText});
 
   DiagUser element;
   CMPIUtil::ParseObjectPath(elementText, element);

@@ -66,7 +66,7 @@ Reply CallScope::recorded(const CMPIResult* result) const {
 
 InstanceSnapshot CallScope::snapshot(const CMPIInstance* instance) const {
   const InstanceObject* object = AsInstance(instance);
-  return object == nullptr ? InstanceSnapshot{} : ToSnapshot(object->data);
+  return object == nullptr ? InstanceSnapshot{} : ToSnapshot(object->data());
 }
 
 std::size_t CallScope::liveObjects() const {

@@ -85,12 +85,14 @@ Host::Impl* Host::Impl::Of(const CMPIBroker* broker) {
 
 std::shared_ptr<const ClassShape> Host::Impl::shapeOf(const std::string& nameSpace,
                                                       const std::string& className) {
-  const std::string key = LowerCase(nameSpace) + ":" + LowerCase(className);
   {
     std::lock_guard<std::mutex> lock(shapesMutex_);
-    const auto found = shapes_.find(key);
-    if (found != shapes_.end()) {
-      return found->second;
+    const auto space = shapes_.find(nameSpace);
+    if (space != shapes_.end()) {
+      const auto found = space->second.find(className);
+      if (found != space->second.end()) {
+        return found->second;
+      }
     }
   }
   const ClassDecl* decl = repository.findClass(nameSpace, className);
@@ -111,15 +113,17 @@ std::shared_ptr<const ClassShape> Host::Impl::shapeOf(const std::string& nameSpa
     declared.initial.type = declared.type;
     shape->properties.push_back(std::move(declared));
   }
+  shape->buildIndex();
   std::lock_guard<std::mutex> lock(shapesMutex_);
-  return shapes_.emplace(key, std::move(shape)).first->second;
+  return shapes_[nameSpace].emplace(className, std::move(shape)).first->second;
 }
 
 NamedValues Host::Impl::contextEntries(const std::string& nameSpace) const {
   NamedValues entries;
-  entries.set(CMPIInitNameSpace, HostValue::String(nameSpace));
-  entries.set(CMPIInvocationFlags, HostValue::Unsigned(CMPI_uint32, 0));
-  entries.set(CMPIPrincipal, HostValue::String("cmpihost"));
+  entries.reserve(3);
+  entries.append(CMPIInitNameSpace, HostValue::String(nameSpace));
+  entries.append(CMPIInvocationFlags, HostValue::Unsigned(CMPI_uint32, 0));
+  entries.append(CMPIPrincipal, HostValue::String("cmpihost"));
   return entries;
 }
 

@@ -12,12 +12,14 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 
 #include "broker/LogBook.h"
 #include "broker/Values.h"
 #include "cmpihost/Host.h"
 #include "providers/ProviderTable.h"
 #include "repository/ClassRepository.h"
+#include "repository/NoCase.h"
 
 namespace cmpihost {
 
@@ -52,8 +54,13 @@ struct Host::Impl {
   std::function<std::chrono::system_clock::time_point()> clock;
 
  private:
+  // By namespace, then class, both hashed without regard to case: every
+  // newInstance and every typed path asks, so a lookup makes no lower-cased
+  // key and compares no more names than it must.
+  using ShapesOfNameSpace =
+      std::unordered_map<std::string, std::shared_ptr<const ClassShape>, NoCaseHash, NoCaseEqualTo>;
   std::mutex shapesMutex_;
-  std::map<std::string, std::shared_ptr<const ClassShape>> shapes_;
+  std::unordered_map<std::string, ShapesOfNameSpace, NoCaseHash, NoCaseEqualTo> shapes_;
 };
 
 }  // namespace cmpihost

@@ -59,6 +59,7 @@ CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, 
   instance.shape = shape;
   instance.host = where.host;
   instance.nameSpace = where.nameSpace;
+  instance.values.reserve(shape->properties.size());
   for (const PropertyShape& property : shape->properties) {
     instance.values.push_back(property.initial);
   }
@@ -190,7 +191,7 @@ std::string ObjectText(const void* object) {
     return dateTime->value.text;
   }
   if (const auto* instance = dynamic_cast<InstanceObject*>(any)) {
-    return ToSnapshot(instance->data).toMof();
+    return ToSnapshot(instance->data()).toMof();
   }
   return TypeNameOf(object);
 }
@@ -364,6 +365,9 @@ CMPIStatus Record(const CMPIBroker* broker, LogRecord::Kind kind, int severity, 
   if (host == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
   }
+  if (!host->log.wanted()) {
+    return MakeStatus(CMPI_RC_OK);  // dropped at once: nobody would read it
+  }
   LogRecord record;
   record.kind = kind;
   record.severity = severity;
@@ -375,6 +379,14 @@ CMPIStatus Record(const CMPIBroker* broker, LogRecord::Kind kind, int severity, 
 
 CMPIStatus LogMessage(const CMPIBroker* broker, int severity, const char* id, const char* text,
                       const CMPIString* string) {
+  // The common case, first and cheapest: nobody keeps or reads the record.
+  const Host::Impl* host = Host::Impl::Of(broker);
+  if (host != nullptr && !host->log.wanted()) {
+    CMPIStatus ok;
+    ok.rc = CMPI_RC_OK;
+    ok.msg = nullptr;
+    return ok;
+  }
   return Record(broker, LogRecord::Kind::kLog, severity, id, text, string);
 }
 

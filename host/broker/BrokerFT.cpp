@@ -122,7 +122,7 @@ CMPIInstance* GetInstance(const CMPIBroker* broker, const CMPIContext*, const CM
   }
   for (const ResultRecord& record : gathered.records) {
     if (record.kind == ResultRecord::Kind::kInstance) {
-      return CreateInScope<InstanceObject>(rc, *record.value.instance);
+      return CreateInScope<InstanceObject>(rc, record.value.sharedInstance());
     }
   }
   SetStatus(rc, CMPI_RC_ERR_NOT_FOUND, "no instance " + PathToString(*request));

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <utility>
 
 namespace cmpihost {
 namespace {
@@ -47,6 +48,44 @@ std::string FormatInterval(std::uint64_t micros) {
 
 }  // namespace
 
+namespace {
+
+// Writes `value` as `width` decimal digits, zero-padded, at `out`.
+char* PutDigits(char* out, unsigned value, int width) {
+  for (int i = width - 1; i >= 0; --i) {
+    out[i] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  }
+  return out + width;
+}
+
+// "yyyymmddhhmmss.mmmmmm+ooo" without a format string to interpret: every
+// newDateTime makes one. Nullopt for the years and offsets it cannot hold
+// in its fixed widths, which the general formatting then writes.
+std::optional<std::string> FixedWidthText(const std::tm& local, unsigned fraction,
+                                          long offsetMinutes) {
+  const int year = local.tm_year + 1900;
+  const long offset = offsetMinutes < 0 ? -offsetMinutes : offsetMinutes;
+  if (year < 0 || year > 9999 || offset > 999 || local.tm_mon < 0 || local.tm_mday < 0 ||
+      local.tm_hour < 0 || local.tm_min < 0 || local.tm_sec < 0) {
+    return std::nullopt;
+  }
+  char text[kTextLength];
+  char* out = PutDigits(text, static_cast<unsigned>(year), 4);
+  out = PutDigits(out, static_cast<unsigned>(local.tm_mon + 1), 2);
+  out = PutDigits(out, static_cast<unsigned>(local.tm_mday), 2);
+  out = PutDigits(out, static_cast<unsigned>(local.tm_hour), 2);
+  out = PutDigits(out, static_cast<unsigned>(local.tm_min), 2);
+  out = PutDigits(out, static_cast<unsigned>(local.tm_sec), 2);
+  *out++ = '.';
+  out = PutDigits(out, fraction, 6);
+  *out++ = offsetMinutes < 0 ? '-' : '+';
+  PutDigits(out, static_cast<unsigned>(offset), 3);
+  return std::string(text, kTextLength);
+}
+
+}  // namespace
+
 DateTime LocalDateTime(std::chrono::system_clock::time_point when) {
   const std::int64_t micros =
       std::chrono::duration_cast<std::chrono::microseconds>(when.time_since_epoch()).count();
@@ -60,13 +99,18 @@ DateTime LocalDateTime(std::chrono::system_clock::time_point when) {
   std::tm local{};
   localtime_r(&clock, &local);
   const long offsetMinutes = local.tm_gmtoff / 60;
+  DateTime result;
+  result.binary = static_cast<std::uint64_t>(micros);
+  if (std::optional<std::string> fixed =
+          FixedWidthText(local, static_cast<unsigned>(fraction), offsetMinutes)) {
+    result.text = std::move(*fixed);
+    return result;
+  }
   char text[64];
   std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d.%06d%c%03ld", local.tm_year + 1900,
                 local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
                 static_cast<int>(fraction), offsetMinutes < 0 ? '-' : '+',
                 offsetMinutes < 0 ? -offsetMinutes : offsetMinutes);
-  DateTime result;
-  result.binary = static_cast<std::uint64_t>(micros);
   result.text = text;
   return result;
 }

@@ -88,7 +88,7 @@ CMPIArray* GetArray(const CMPIError* error, CMPIStatus* rc) {
     SetStatus(rc, CMPI_RC_OK);
     return nullptr;
   }
-  return CreateInScope<ArrayObject>(rc, CMPI_string, array->elements);
+  return CreateInScope<ArrayObject>(rc, CMPI_string, array->elements());
 }
 
 template <OptionalArray ErrorData::*Field>

@@ -25,11 +25,11 @@ CMPIInstance* InstanceClone(const CMPIInstance* instance, CMPIStatus* rc) {
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
     return nullptr;
   }
-  return CreateOwned<InstanceObject>(rc, object->data);
+  return CreateOwned<InstanceObject>(rc, object->data());
 }
 
-std::string NoSuchProperty(const InstanceData& data, const std::string& name) {
-  return "class " + data.shape->className + " declares no property " + name;
+std::string NoSuchProperty(const InstanceData& data, std::string_view name) {
+  return "class " + data.shape->className + " declares no property " + std::string(name);
 }
 
 CMPIData InstanceGetProperty(const CMPIInstance* instance, const char* name, CMPIStatus* rc) {
@@ -42,12 +42,24 @@ CMPIData InstanceGetProperty(const CMPIInstance* instance, const char* name, CMP
     SetStatus(rc, CMPI_RC_ERR_INVALID_PARAMETER, "the property name is null");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  const auto index = object->data.shape->find(name);
+  const auto index = object->data().shape->find(name);
   if (!index) {
-    SetStatus(rc, CMPI_RC_ERR_NO_SUCH_PROPERTY, NoSuchProperty(object->data, name));
+    SetStatus(rc, CMPI_RC_ERR_NO_SUCH_PROPERTY, NoSuchProperty(object->data(), name));
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  return ToCmpiData(object->data.values[*index], rc);
+  const HostValue& value = object->data().values[*index];
+  if (value.null) {
+    // A builder asks every property of a new instance for its type: answered here.
+    if (rc != nullptr) {
+      rc->rc = CMPI_RC_OK;
+      rc->msg = nullptr;
+    }
+    CMPIData data{};
+    data.type = value.type;
+    data.state = CMPI_nullValue;
+    return data;
+  }
+  return ToCmpiData(value, rc);
 }
 
 CMPIData InstanceGetPropertyAt(const CMPIInstance* instance, CMPICount index, CMPIString** name,
@@ -60,15 +72,15 @@ CMPIData InstanceGetPropertyAt(const CMPIInstance* instance, CMPICount index, CM
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
     return NullData(CMPI_null);
   }
-  const auto& properties = object->data.shape->properties;
+  const auto& properties = object->data().shape->properties;
   if (index >= properties.size()) {
     SetStatus(rc, CMPI_RC_ERR_NO_SUCH_PROPERTY,
               "property index " + std::to_string(index) + " is out of range (class " +
-                  object->data.shape->className + " has " + std::to_string(properties.size()) +
+                  object->data().shape->className + " has " + std::to_string(properties.size()) +
                   " properties)");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  const CMPIData data = ToCmpiData(object->data.values[index], rc);
+  const CMPIData data = ToCmpiData(object->data().values[index], rc);
   NameOut(name, properties[index].name, rc);
   return data;
 }
@@ -80,7 +92,7 @@ CMPICount InstanceGetPropertyCount(const CMPIInstance* instance, CMPIStatus* rc)
     return 0;
   }
   SetStatus(rc, CMPI_RC_OK);
-  return static_cast<CMPICount>(object->data.shape->properties.size());
+  return static_cast<CMPICount>(object->data().shape->properties.size());
 }
 
 bool FilteredOut(const InstanceData& data, std::size_t index) {
@@ -92,7 +104,7 @@ bool FilteredOut(const InstanceData& data, std::size_t index) {
                       [&](const std::string& kept) { return EqualsIgnoreCase(kept, name); });
 }
 
-CMPIStatus SetValue(InstanceData& data, const std::string& name, const CMPIValue* value,
+CMPIStatus SetValue(InstanceData& data, std::string_view name, const CMPIValue* value,
                     CMPIType type) {
   const auto index = data.shape->find(name);
   if (!index) {
@@ -129,7 +141,7 @@ CMPIStatus InstanceSetProperty(const CMPIInstance* instance, const char* name,
   if (name == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_PARAMETER, "the property name is null");
   }
-  return SetValue(object->data, name, value, type);
+  return SetValue(object->mutableData(), name, value, type);
 }
 
 CMPIStatus InstanceSetPropertyWithOrigin(const CMPIInstance* instance, const char* name,
@@ -143,7 +155,7 @@ CMPIObjectPath* InstanceGetObjectPath(const CMPIInstance* instance, CMPIStatus* 
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
     return nullptr;
   }
-  return CreateInScope<ObjectPathObject>(rc, object->data.objectPath());
+  return CreateInScope<ObjectPathObject>(rc, object->data().objectPath());
 }
 
 CMPIStatus InstanceSetPropertyFilter(CMPIInstance* instance, const char** properties,
@@ -153,14 +165,14 @@ CMPIStatus InstanceSetPropertyFilter(CMPIInstance* instance, const char** proper
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
   }
   if (properties == nullptr) {
-    object->data.filter.reset();
+    object->mutableData().filter.reset();
     return MakeStatus(CMPI_RC_OK);
   }
   std::vector<std::string> kept;
   for (const char** name = properties; *name != nullptr; ++name) {
     kept.emplace_back(*name);
   }
-  object->data.filter = std::move(kept);
+  object->mutableData().filter = std::make_shared<const std::vector<std::string>>(std::move(kept));
   return MakeStatus(CMPI_RC_OK);
 }
 
@@ -173,7 +185,7 @@ CMPIStatus InstanceSetObjectPath(CMPIInstance* instance, const CMPIObjectPath* p
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE,
                       "not an instance and object path of this broker (null or foreign handle)");
   }
-  InstanceData updated = object->data;
+  InstanceData updated = object->data();
   updated.host = source->path.host;
   updated.nameSpace = source->path.nameSpace;
   for (const NamedValue& key : source->path.keys.items()) {
@@ -190,7 +202,7 @@ CMPIStatus InstanceSetObjectPath(CMPIInstance* instance, const CMPIObjectPath* p
     updated.values[*index] = key.value;
     updated.values[*index].type = declared;
   }
-  object->data = std::move(updated);
+  object->setData(std::move(updated));
   return MakeStatus(CMPI_RC_OK);
 }
 

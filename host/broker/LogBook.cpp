@@ -11,11 +11,13 @@ void LogBook::capture(bool on, std::size_t bound) {
   while (records_.size() > bound_) {
     records_.pop_front();
   }
+  wanted_.store((capturing_ && bound_ > 0) || sink_ != nullptr, std::memory_order_relaxed);
 }
 
 void LogBook::setSink(Sink sink) {
   std::lock_guard<std::mutex> lock(mutex_);
   sink_ = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
+  wanted_.store((capturing_ && bound_ > 0) || sink_ != nullptr, std::memory_order_relaxed);
 }
 
 void LogBook::add(LogRecord record) {

@@ -3,6 +3,7 @@
 #ifndef CMPIHOST_BROKER_LOGBOOK_H_
 #define CMPIHOST_BROKER_LOGBOOK_H_
 
+#include <atomic>
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -21,6 +22,9 @@ class LogBook {
   void capture(bool on, std::size_t bound);
   void setSink(Sink sink);
   void add(LogRecord record);
+  // Whether a record would be kept or passed to a sink: when not, a caller
+  // drops it before making it (tracing then costs a provider next to nothing).
+  bool wanted() const { return wanted_.load(std::memory_order_relaxed); }
   std::vector<LogRecord> records() const;
   void clear();
 
@@ -30,6 +34,7 @@ class LogBook {
   std::size_t bound_ = 0;
   std::deque<LogRecord> records_;
   std::shared_ptr<const Sink> sink_;
+  std::atomic<bool> wanted_{false};  // capture on with a bound, or a sink set
 };
 
 }  // namespace cmpihost

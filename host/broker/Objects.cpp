@@ -25,9 +25,28 @@ ObjectPathObject::ObjectPathObject(PathData data) : path(std::move(data)) {
   SetTable(*this, kObjectPathFT);
 }
 
-InstanceObject::InstanceObject(InstanceData instance) : data(std::move(instance)) {
+InstanceObject::InstanceObject(InstanceData instance)
+    : data_(std::make_shared<InstanceData>(std::move(instance))) {
   hdl = this;
   SetTable(*this, kInstanceFT);
+}
+
+// Shared, not copied: mutableData copies it before the first change.
+InstanceObject::InstanceObject(std::shared_ptr<const InstanceData> shared)
+    : data_(std::const_pointer_cast<InstanceData>(std::move(shared))) {
+  hdl = this;
+  SetTable(*this, kInstanceFT);
+}
+
+void InstanceObject::setData(InstanceData instance) {
+  data_ = std::make_shared<InstanceData>(std::move(instance));
+}
+
+InstanceData& InstanceObject::mutableData() {
+  if (data_.use_count() > 1) {
+    data_ = std::make_shared<InstanceData>(*data_);
+  }
+  return *data_;
 }
 
 ArgsObject::ArgsObject(NamedValues values) : args(std::move(values)) {
@@ -186,14 +205,14 @@ CMPIString* NewMessageString(const std::string& text) {
   return object.release();
 }
 
-CMPIStatus MakeStatus(CMPIrc rc, const std::string& message) {
+CMPIStatus MakeStatus(CMPIrc rc, std::string_view message) {
   CMPIStatus status;
   status.rc = rc;
-  status.msg = message.empty() ? nullptr : NewMessageString(message);
+  status.msg = message.empty() ? nullptr : NewMessageString(std::string(message));
   return status;
 }
 
-void SetStatus(CMPIStatus* out, CMPIrc rc, const std::string& message) {
+void SetStatus(CMPIStatus* out, CMPIrc rc, std::string_view message) {
   if (out != nullptr) {
     *out = MakeStatus(rc, message);
   }
@@ -304,7 +323,7 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
         problem = "the CMPIDateTime is not one this broker made";
         return CMPI_RC_ERR_INVALID_HANDLE;
       }
-      out.dateTime = dateTime->value;
+      out.setDateTime(dateTime->value);
       return CMPI_RC_OK;
     }
     case CMPI_ref: {
@@ -313,7 +332,7 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
         problem = "the CMPIObjectPath is not one this broker made";
         return CMPI_RC_ERR_INVALID_HANDLE;
       }
-      out.path = std::make_shared<const PathData>(path->path);
+      out.setPath(path->path);
       return CMPI_RC_OK;
     }
     case CMPI_instance: {
@@ -322,7 +341,7 @@ CMPIrc CopyObject(const CMPIValue& value, CMPIType type, HostValue& out, std::st
         problem = "the CMPIInstance is not one this broker made";
         return CMPI_RC_ERR_INVALID_HANDLE;
       }
-      out.instance = std::make_shared<const InstanceData>(instance->data);
+      out.setInstance(instance->data());
       return CMPI_RC_OK;
     }
     default:
@@ -378,7 +397,7 @@ CMPIrc FromCmpiValue(const CMPIValue* value, CMPIType type, HostValue& out, std:
     return CMPI_RC_ERR_TYPE_MISMATCH;
   }
   out.null = false;
-  out.elements = array->elements;
+  out.setElements(array->elements);
   return CMPI_RC_OK;
 }
 
@@ -391,7 +410,7 @@ CMPIData ToCmpiData(const HostValue& value, CMPIStatus* rc) {
   const void* made = nullptr;
   if ((value.type & CMPI_ARRAY) != 0) {
     auto* array = CreateInScope<ArrayObject>(rc, static_cast<CMPIType>(value.type & ~CMPI_ARRAY),
-                                             value.elements);
+                                             value.elements());
     data.value.array = array;
     made = array;
   } else if (value.type == CMPI_string || value.type == CMPI_chars) {
@@ -400,15 +419,15 @@ CMPIData ToCmpiData(const HostValue& value, CMPIStatus* rc) {
     data.value.string = string;
     made = string;
   } else if (value.type == CMPI_dateTime) {
-    auto* dateTime = CreateInScope<DateTimeObject>(rc, value.dateTime);
+    auto* dateTime = CreateInScope<DateTimeObject>(rc, value.dateTime());
     data.value.dateTime = dateTime;
     made = dateTime;
   } else if (value.type == CMPI_ref) {
-    auto* path = CreateInScope<ObjectPathObject>(rc, *value.path);
+    auto* path = CreateInScope<ObjectPathObject>(rc, *value.path());
     data.value.ref = path;
     made = path;
   } else if (value.type == CMPI_instance) {
-    auto* instance = CreateInScope<InstanceObject>(rc, *value.instance);
+    auto* instance = CreateInScope<InstanceObject>(rc, value.sharedInstance());
     data.value.inst = instance;
     made = instance;
   } else {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -59,9 +60,19 @@ struct ObjectPathObject final : HostObject, CMPIObjectPath {
   PathData path;
 };
 
+// An instance's data is shared with the results it was returned into, so
+// that returning a kept instance copies nothing; whoever changes it first
+// gets a copy of its own (a result keeps what was returned).
 struct InstanceObject final : HostObject, CMPIInstance {
   explicit InstanceObject(InstanceData instance);
-  InstanceData data;
+  explicit InstanceObject(std::shared_ptr<const InstanceData> shared);
+  const InstanceData& data() const { return *data_; }
+  InstanceData& mutableData();
+  void setData(InstanceData instance);
+  std::shared_ptr<const InstanceData> share() const { return data_; }
+
+ private:
+  std::shared_ptr<InstanceData> data_;
 };
 
 struct ArgsObject final : HostObject, CMPIArgs {
@@ -149,8 +160,10 @@ T* CreateInScope(CMPIStatus* rc, Args&&... args);
 
 // The status helpers; messages become strings of the current scope (or the
 // message is null when no scope is open).
-CMPIStatus MakeStatus(CMPIrc rc, const std::string& message = {});
-void SetStatus(CMPIStatus* out, CMPIrc rc, const std::string& message = {});
+// (A view, so that the OK status every broker function ends with makes no
+// string.)
+CMPIStatus MakeStatus(CMPIrc rc, std::string_view message = {});
+void SetStatus(CMPIStatus* out, CMPIrc rc, std::string_view message = {});
 void SetNoScopeStatus(CMPIStatus* out);
 CMPIStatus NoScopeStatus();
 CMPIString* NewMessageString(const std::string& text);

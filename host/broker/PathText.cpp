@@ -1,5 +1,6 @@
 #include "broker/PathText.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
@@ -21,11 +22,13 @@ class ValueProblem : public std::runtime_error {
   throw HostError("path text '" + text + "': column " + std::to_string(column) + ": " + problem);
 }
 
+// ASCII letters, digits and '_' only, as the "C" locale's isalpha and
+// isalnum have them, without a call into the C library per character.
 bool IsNameStart(char c) {
-  return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_';
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
 bool IsNameChar(char c) {
-  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+  return IsNameStart(c) || (c >= '0' && c <= '9');
 }
 
 std::string Trimmed(const std::string& text) {
@@ -118,15 +121,18 @@ std::pair<std::int64_t, std::int64_t> SignedRange(CMPIType type) {
 // backslash escapes (\" and \\, and any other escaped character as itself).
 // Returns the position after the closing quote, or npos when unterminated.
 std::size_t ReadQuoted(const std::string& text, std::size_t pos, std::string& out) {
-  for (++pos; pos < text.size(); ++pos) {
+  std::size_t run = ++pos;  // start of the characters not yet copied
+  for (; pos < text.size(); ++pos) {
     if (text[pos] == '\\' && pos + 1 < text.size()) {
+      out.append(text, run, pos - run);
       out += text[++pos];
+      run = pos + 1;
     } else if (text[pos] == '"') {
+      out.append(text, run, pos - run);
       return pos + 1;
-    } else {
-      out += text[pos];
     }
   }
+  out.append(text, run, pos - run);
   return std::string::npos;
 }
 
@@ -138,6 +144,7 @@ HostValue ConvertArray(const std::string& text, CMPIType type, const std::string
   const auto elementType = static_cast<CMPIType>(type & ~CMPI_ARRAY);
   HostValue array = HostValue::Null(type);
   array.null = false;
+  std::vector<HostValue> elements;
   std::string list = Trimmed(text);
   if (list.size() >= 2 && list.front() == '{' && list.back() == '}') {
     list = Trimmed(list.substr(1, list.size() - 2));
@@ -167,7 +174,7 @@ HostValue ConvertArray(const std::string& text, CMPIType type, const std::string
       element = Trimmed(list.substr(pos, end - pos));
       pos = end;
     }
-    array.elements.push_back(Convert(element, form, elementType, nameSpace, lookup));
+    elements.push_back(Convert(element, form, elementType, nameSpace, lookup));
     if (pos < list.size()) {
       ++pos;  // the comma
       if (pos == list.size()) {
@@ -175,6 +182,7 @@ HostValue ConvertArray(const std::string& text, CMPIType type, const std::string
       }
     }
   }
+  array.setElements(std::move(elements));
   return array;
 }
 
@@ -334,6 +342,8 @@ PathSyntax ParsePathSyntax(const std::string& text) {
          std::string("expected '.' and keys after the class name, found '") + text[pos] + "'");
   }
   ++pos;
+  syntax.keys.reserve(static_cast<std::size_t>(std::count(text.begin() + pos, text.end(), ',')) +
+                      1);
   while (true) {
     const std::size_t nameStart = pos;
     while (pos < n && IsNameChar(text[pos])) {
@@ -369,7 +379,7 @@ PathSyntax ParsePathSyntax(const std::string& text) {
       }
       pos = end;
     }
-    syntax.keys.push_back(key);
+    syntax.keys.push_back(std::move(key));
     if (pos == n) {
       return syntax;
     }
@@ -393,10 +403,12 @@ PathData TypePath(const PathSyntax& syntax, const std::string& text,
   if (shape) {
     path.className = shape->className;
   }
+  // The syntax has refused names given twice, so each key is appended.
+  path.keys.reserve(syntax.keys.size());
   for (const PathSyntax::Key& key : syntax.keys) {
     try {
       if (!shape) {
-        path.keys.set(key.name, Inferred(key));
+        path.keys.append(key.name, Inferred(key));
         continue;
       }
       const auto index = shape->find(key.name);
@@ -408,8 +420,8 @@ PathData TypePath(const PathSyntax& syntax, const std::string& text,
         Fail(text, key.column,
              "property " + property.name + " of class " + shape->className + " is not a key");
       }
-      path.keys.set(property.name, Convert(key.text, key.quoted ? Form::kQuoted : Form::kBare,
-                                           property.type, path.nameSpace, lookup));
+      path.keys.append(property.name, Convert(key.text, key.quoted ? Form::kQuoted : Form::kBare,
+                                              property.type, path.nameSpace, lookup));
     } catch (const ValueProblem& problem) {
       Fail(text, key.column, "key " + key.name + ": " + problem.what());
     }
@@ -444,14 +456,16 @@ std::optional<HostValue> ValueFromMof(const MofValue& value, CMPIType type,
     HostValue array = HostValue::Null(type);
     array.null = false;
     const auto elementType = static_cast<CMPIType>(type & ~CMPI_ARRAY);
+    std::vector<HostValue> elements;
     for (const MofValue& element : value.elements) {
       std::optional<HostValue> converted =
           ValueFromMof(element, elementType, defaultNameSpace, lookup);
       if (!converted) {
         return std::nullopt;
       }
-      array.elements.push_back(std::move(*converted));
+      elements.push_back(std::move(*converted));
     }
+    array.setElements(std::move(elements));
     return array;
   }
   try {

@@ -62,7 +62,7 @@ CMPIStatus ResultReturnInstance(const CMPIResult* result, const CMPIInstance* in
   record.kind = ResultRecord::Kind::kInstance;
   record.value.type = CMPI_instance;
   record.value.null = false;
-  record.value.instance = std::make_shared<const InstanceData>(object->data);
+  record.value.setInstance(object->share());
   return Record(result, std::move(record));
 }
 

@@ -91,7 +91,7 @@ HostValue HostValue::Date(DateTime dateTime) {
   HostValue value;
   value.type = CMPI_dateTime;
   value.null = false;
-  value.dateTime = std::move(dateTime);
+  value.setDateTime(dateTime);
   return value;
 }
 
@@ -99,8 +99,63 @@ HostValue HostValue::Reference(PathData path) {
   HostValue value;
   value.type = CMPI_ref;
   value.null = false;
-  value.path = std::make_shared<const PathData>(std::move(path));
+  value.setPath(std::move(path));
   return value;
+}
+
+const PathData* HostValue::path() const {
+  return nested_ == Nested::kPath ? static_cast<const PathData*>(nestedData_.get()) : nullptr;
+}
+
+const InstanceData* HostValue::instance() const {
+  return nested_ == Nested::kInstance ? static_cast<const InstanceData*>(nestedData_.get())
+                                      : nullptr;
+}
+
+std::shared_ptr<const InstanceData> HostValue::sharedInstance() const {
+  return nested_ == Nested::kInstance ? std::static_pointer_cast<const InstanceData>(nestedData_)
+                                      : nullptr;
+}
+
+const std::vector<HostValue>& HostValue::elements() const {
+  static const std::vector<HostValue> kNoElements;
+  return nested_ == Nested::kElements
+             ? *static_cast<const std::vector<HostValue>*>(nestedData_.get())
+             : kNoElements;
+}
+
+void HostValue::setPath(PathData path) {
+  nested_ = Nested::kPath;
+  nestedData_ = std::make_shared<const PathData>(std::move(path));
+}
+
+void HostValue::setInstance(InstanceData instance) {
+  nested_ = Nested::kInstance;
+  nestedData_ = std::make_shared<const InstanceData>(std::move(instance));
+}
+
+void HostValue::setInstance(std::shared_ptr<const InstanceData> instance) {
+  nested_ = Nested::kInstance;
+  nestedData_ = std::move(instance);
+}
+
+void HostValue::setElements(std::vector<HostValue> elements) {
+  nested_ = Nested::kElements;
+  nestedData_ = std::make_shared<const std::vector<HostValue>>(std::move(elements));
+}
+
+DateTime HostValue::dateTime() const {
+  DateTime value;
+  value.interval = interval;
+  value.binary = scalar.uint64;
+  value.text = text;
+  return value;
+}
+
+void HostValue::setDateTime(const DateTime& dateTime) {
+  interval = dateTime.interval;
+  scalar.uint64 = dateTime.binary;
+  text = dateTime.text;
 }
 
 bool EqualsIgnoreCase(const std::string& a, const std::string& b) {
@@ -122,6 +177,10 @@ const NamedValue* NamedValues::find(const std::string& name) const {
   return nullptr;
 }
 
+void NamedValues::append(const std::string& name, HostValue value) {
+  items_.push_back(NamedValue{name, std::move(value)});
+}
+
 void NamedValues::set(const std::string& name, HostValue value) {
   for (NamedValue& item : items_) {
     if (EqualsIgnoreCase(item.name, name)) {
@@ -132,9 +191,65 @@ void NamedValues::set(const std::string& name, HostValue value) {
   items_.push_back(NamedValue{name, std::move(value)});
 }
 
-std::optional<std::size_t> ClassShape::find(const std::string& name) const {
+namespace {
+
+char LowerAscii(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Length, first and last letter, case folded: enough to tell apart the
+// names of one class in nearly every case, and cheaper than reading them.
+std::size_t NoCaseNameHash(std::string_view name) {
+  if (name.empty()) {
+    return 0;
+  }
+  return (name.size() * 131) ^ (static_cast<unsigned char>(LowerAscii(name.front())) * 31U) ^
+         static_cast<unsigned char>(LowerAscii(name.back()));
+}
+
+bool SameName(const std::string& declared, std::string_view name) {
+  return declared.size() == name.size() &&
+         strncasecmp(declared.data(), name.data(), name.size()) == 0;
+}
+
+}  // namespace
+
+void ClassShape::buildIndex() {
+  if (properties.size() >= 0x8000) {
+    return;  // more than any class declares: find keeps comparing names
+  }
+  std::size_t size = 4;
+  while (size < properties.size() * 2) {
+    size *= 2;
+  }
+  slots_.assign(size, 0);
   for (std::size_t i = 0; i < properties.size(); ++i) {
-    if (EqualsIgnoreCase(properties[i].name, name)) {
+    std::size_t slot = NoCaseNameHash(properties[i].name) & (size - 1);
+    while (slots_[slot] != 0) {
+      slot = (slot + 1) & (size - 1);
+    }
+    slots_[slot] = static_cast<std::uint16_t>(i + 1);
+  }
+}
+
+// Every getProperty and setProperty asks this: a hash probe when the shape
+// is indexed, and a C string argument needs no std::string made of it.
+std::optional<std::size_t> ClassShape::find(std::string_view name) const {
+  if (!slots_.empty()) {
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t slot = NoCaseNameHash(name) & mask; slots_[slot] != 0;
+         slot = (slot + 1) & mask) {
+      const std::size_t index = slots_[slot] - 1U;
+      if (SameName(properties[index].name, name)) {
+        return index;
+      }
+    }
+    return std::nullopt;
+  }
+  for (std::size_t i = 0; i < properties.size(); ++i) {
+    const std::string& candidate = properties[i].name;
+    if (candidate.size() == name.size() &&
+        strncasecmp(candidate.data(), name.data(), name.size()) == 0) {
       return i;
     }
   }
@@ -146,9 +261,10 @@ PathData InstanceData::objectPath() const {
   path.host = host;
   path.nameSpace = nameSpace;
   path.className = shape->className;
+  // A class declares each name once, so no key needs looking for first.
   for (std::size_t i = 0; i < shape->properties.size(); ++i) {
     if (shape->properties[i].isKey && !values[i].null) {
-      path.keys.set(shape->properties[i].name, values[i]);
+      path.keys.append(shape->properties[i].name, values[i]);
     }
   }
   return path;
@@ -174,15 +290,28 @@ std::string RealText(double value, bool single) {
 
 namespace {
 
-std::string Quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
+// Appends `text` in double quotes, a backslash before each '"' and '\\';
+// the runs between them go in whole.
+void AppendQuoted(std::string& out, const std::string& text) {
+  out += '"';
+  std::size_t start = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '"' || text[i] == '\\') {
+      out.append(text, start, i - start);
       out += '\\';
+      out += text[i];
+      start = i + 1;
     }
-    out += c;
   }
-  return out + "\"";
+  out.append(text, start, std::string::npos);
+  out += '"';
+}
+
+std::string Quoted(const std::string& text) {
+  std::string out;
+  out.reserve(text.size() + 2);
+  AppendQuoted(out, text);
+  return out;
 }
 
 std::uint64_t UnsignedOf(const HostValue& value) {
@@ -223,6 +352,30 @@ bool IsSigned(CMPIType type) {
 
 }  // namespace
 
+namespace {
+
+// Appends KeyValueText(value): strings, date-times and references straight
+// into `out`, since paths are printed for every lookup a provider makes.
+void AppendKeyValueText(std::string& out, const HostValue& value) {
+  if (!value.null) {
+    switch (value.type) {
+      case CMPI_dateTime:
+      case CMPI_string:
+      case CMPI_chars:
+        AppendQuoted(out, value.text);
+        return;
+      case CMPI_ref:
+        AppendQuoted(out, value.path() != nullptr ? PathToString(*value.path()) : std::string());
+        return;
+      default:
+        break;
+    }
+  }
+  out += KeyValueText(value);
+}
+
+}  // namespace
+
 std::string KeyValueText(const HostValue& value) {
   if (value.null) {
     return "NULL";
@@ -244,35 +397,56 @@ std::string KeyValueText(const HostValue& value) {
     case CMPI_char16:
       return Quoted(std::string(1, static_cast<char>(value.scalar.char16)));
     case CMPI_dateTime:
-      return Quoted(value.dateTime.text);
+      return Quoted(value.text);
     case CMPI_ref:
-      return Quoted(value.path ? PathToString(*value.path) : std::string());
+      return Quoted(value.path() != nullptr ? PathToString(*value.path()) : std::string());
     case CMPI_instance:
-      return Quoted(value.instance ? PathToString(value.instance->objectPath()) : std::string());
+      return Quoted(value.instance() != nullptr ? PathToString(value.instance()->objectPath())
+                                                : std::string());
     default:
       return Quoted(value.text);
   }
 }
 
 std::string PathToString(const PathData& path) {
+  const std::vector<NamedValue>& items = path.keys.items();
+  // Keys in name order, ties in their own order: an insertion sort of
+  // pointers, on the stack for the few keys a class has.
+  constexpr std::size_t kFewKeys = 16;
+  const NamedValue* few[kFewKeys];
+  std::vector<const NamedValue*> many;
+  const NamedValue** keys = few;
+  if (items.size() > kFewKeys) {
+    many.resize(items.size());
+    keys = many.data();
+  }
+  std::size_t length = path.host.size() + path.nameSpace.size() + path.className.size() + 4;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const NamedValue* key = &items[i];
+    length += key->name.size() + key->value.text.size() + 4;
+    std::size_t j = i;
+    for (; j > 0 && strcasecmp(key->name.c_str(), keys[j - 1]->name.c_str()) < 0; --j) {
+      keys[j] = keys[j - 1];
+    }
+    keys[j] = key;
+  }
   std::string out;
+  out.reserve(length);
   if (!path.host.empty()) {
-    out += "//" + path.host + "/";
+    out += "//";
+    out += path.host;
+    out += '/';
   }
   if (!path.nameSpace.empty()) {
-    out += path.nameSpace + ":";
+    out += path.nameSpace;
+    out += ':';
   }
   out += path.className;
-  std::vector<const NamedValue*> keys;
-  for (const NamedValue& key : path.keys.items()) {
-    keys.push_back(&key);
-  }
-  std::stable_sort(keys.begin(), keys.end(), [](const NamedValue* a, const NamedValue* b) {
-    return strcasecmp(a->name.c_str(), b->name.c_str()) < 0;
-  });
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    out += i == 0 ? "." : ",";
-    out += keys[i]->name + "=" + KeyValueText(keys[i]->value);
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    out += i == 0 ? '.' : ',';
+    out += keys[i]->name;
+    out += '=';
+    AppendKeyValueText(out, keys[i]->value);
   }
   return out;
 }
@@ -289,15 +463,15 @@ bool SameValue(const HostValue& a, const HostValue& b) {
     return true;
   }
   if ((a.type & CMPI_ARRAY) != 0) {
-    return std::equal(a.elements.begin(), a.elements.end(), b.elements.begin(), b.elements.end(),
-                      SameValue);
+    return std::equal(a.elements().begin(), a.elements().end(), b.elements().begin(),
+                      b.elements().end(), SameValue);
   }
   if (a.type == CMPI_ref || a.type == CMPI_instance) {
     // Paths are the same when their printed forms are; keys print sorted.
     return KeyValueText(a) == KeyValueText(b);
   }
   if (a.type == CMPI_dateTime) {
-    return a.dateTime.interval == b.dateTime.interval && a.dateTime.binary == b.dateTime.binary;
+    return a.interval == b.interval && a.scalar.uint64 == b.scalar.uint64;
   }
   return KeyValueText(a) == KeyValueText(b);
 }
@@ -310,7 +484,7 @@ Value ToPublicValue(const HostValue& value) {
     return out;
   }
   if ((value.type & CMPI_ARRAY) != 0) {
-    for (const HostValue& element : value.elements) {
+    for (const HostValue& element : value.elements()) {
       out.elements.push_back(ToPublicValue(element));
     }
     return out;
@@ -332,13 +506,14 @@ Value ToPublicValue(const HostValue& value) {
       out.real = value.scalar.real64;
       break;
     case CMPI_dateTime:
-      out.text = value.dateTime.text;
+      out.text = value.text;
       break;
     case CMPI_ref:
-      out.text = value.path ? PathToString(*value.path) : std::string();
+      out.text = value.path() != nullptr ? PathToString(*value.path()) : std::string();
       break;
     case CMPI_instance:
-      out.text = value.instance ? PathToString(value.instance->objectPath()) : std::string();
+      out.text = value.instance() != nullptr ? PathToString(value.instance()->objectPath())
+                                             : std::string();
       break;
     case CMPI_string:
     case CMPI_chars:

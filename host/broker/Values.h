@@ -7,9 +7,11 @@
 
 #include <cmpidt.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "broker/DateTime.h"
@@ -22,15 +24,37 @@ namespace cmpihost {
 struct PathData;
 struct InstanceData;
 
+// One value, kept small: an instance holds one per declared property for as
+// long as it lives (a provider may keep thousands), so what only references,
+// embedded instances and arrays need sits behind one shared pointer.
 struct HostValue {
+ private:
+  // First, so that it shares the word of type and null.
+  enum class Nested : unsigned char { kNone, kPath, kInstance, kElements };
+  Nested nested_ = Nested::kNone;
+
+ public:
   CMPIType type = CMPI_null;
   bool null = true;
-  CMPIValue scalar{};  // booleans, char16, integers, reals
-  std::string text;    // CMPI_string and CMPI_chars
-  DateTime dateTime;
-  std::shared_ptr<const PathData> path;          // CMPI_ref
-  std::shared_ptr<const InstanceData> instance;  // CMPI_instance
-  std::vector<HostValue> elements;               // arrays
+  bool interval = false;  // CMPI_dateTime: an interval rather than a point in time
+  CMPIValue scalar{};     // booleans, char16, integers, reals; a date-time's binary form
+  std::string text;       // CMPI_string and CMPI_chars; a date-time's text
+
+  // The reference's path (CMPI_ref), the embedded instance (CMPI_instance) or
+  // the elements (arrays): null, or empty, when the value holds none. Made
+  // once and shared by every copy of the value; never changed.
+  const PathData* path() const;
+  const InstanceData* instance() const;
+  std::shared_ptr<const InstanceData> sharedInstance() const;
+  const std::vector<HostValue>& elements() const;
+  void setPath(PathData path);
+  void setInstance(InstanceData instance);
+  void setInstance(std::shared_ptr<const InstanceData> instance);
+  void setElements(std::vector<HostValue> elements);
+
+  // The date-time that text, scalar and interval hold (CMPI_dateTime).
+  DateTime dateTime() const;
+  void setDateTime(const DateTime& dateTime);
 
   static HostValue Null(CMPIType type);
   static HostValue String(std::string text);
@@ -40,6 +64,9 @@ struct HostValue {
   static HostValue Real(CMPIType type, double number);
   static HostValue Date(DateTime dateTime);
   static HostValue Reference(PathData path);
+
+ private:
+  std::shared_ptr<const void> nestedData_;
 };
 
 struct NamedValue {
@@ -54,6 +81,9 @@ class NamedValues {
   const NamedValue* find(const std::string& name) const;
   // Replaces the value of an existing name, or appends.
   void set(const std::string& name, HostValue value);
+  // Appends a name known to differ from every name already held.
+  void append(const std::string& name, HostValue value);
+  void reserve(std::size_t count) { items_.reserve(count); }
   const std::vector<NamedValue>& items() const { return items_; }
   std::size_t size() const { return items_.size(); }
 
@@ -81,7 +111,13 @@ struct ClassShape {
   std::string className;  // declared spelling
   std::vector<PropertyShape> properties;
   // Index of the property (case-insensitive), or nullopt.
-  std::optional<std::size_t> find(const std::string& name) const;
+  std::optional<std::size_t> find(std::string_view name) const;
+  // Makes find a hash lookup; call once `properties` is complete and before
+  // the shape is shared. Without it find compares names one by one.
+  void buildIndex();
+
+ private:
+  std::vector<std::uint16_t> slots_;  // property index + 1 by name hash; 0 is free
 };
 
 struct InstanceData {
@@ -90,7 +126,8 @@ struct InstanceData {
   std::string nameSpace;          // of the path the instance was created with
   std::vector<HostValue> values;  // parallel to shape->properties
   // setPropertyFilter: when set, only these names (and keys) may be set.
-  std::optional<std::vector<std::string>> filter;
+  // (Behind a pointer: an instance rarely has one, and a kept one is small.)
+  std::shared_ptr<const std::vector<std::string>> filter;
 
   // Host and namespace of the creation path; keys from the Key properties.
   PathData objectPath() const;

@@ -238,7 +238,7 @@ HostValue InstanceValue(InstanceData data) {
   HostValue value;
   value.type = CMPI_instance;
   value.null = false;
-  value.instance = std::make_shared<const InstanceData>(std::move(data));
+  value.setInstance(std::move(data));
   return value;
 }
 
@@ -671,14 +671,14 @@ Reply ToReply(const Gathered& gathered) {
     switch (record.kind) {
       case ResultRecord::Kind::kInstance:
         event.kind = ResultEvent::Kind::kInstance;
-        if (record.value.instance) {
-          event.instance = ToSnapshot(*record.value.instance);
+        if (record.value.instance() != nullptr) {
+          event.instance = ToSnapshot(*record.value.instance());
         }
         break;
       case ResultRecord::Kind::kObjectPath:
         event.kind = ResultEvent::Kind::kObjectPath;
-        if (record.value.path) {
-          event.path = PathToString(*record.value.path);
+        if (record.value.path() != nullptr) {
+          event.path = PathToString(*record.value.path());
         }
         break;
       case ResultRecord::Kind::kData:

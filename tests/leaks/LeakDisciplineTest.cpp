@@ -86,9 +86,10 @@ TEST_F(LeakDisciplineTest, WhatTheRegistryKeepsIsSuppressedThroughItsTwoAllocati
   EXPECT_EQ(run.exitCode, 0) << run.report;
   EXPECT_EQ(run.report.find("LeakSanitizer: detected memory leaks"), std::string::npos)
       << run.report;
-  // Both lines of the file were needed: the containers, and the entry that a
-  // second registration under the same path text replaced.
-  EXPECT_NE(run.report.find("NewRegistryContainer"), std::string::npos) << run.report;
+  // The entry that a second registration under the same path text replaced
+  // is reachable from nothing and needs its line. The containers need theirs
+  // only where nothing reaches them at exit; the registry's lookup index
+  // reaches them today, so that line may go unused.
   EXPECT_NE(run.report.find("NewRegistryEntry"), std::string::npos) << run.report;
 }
 
@@ -118,7 +119,7 @@ TEST_F(LeakDisciplineTest, AnyOtherLeakFailsTheRunAndIsReportedAlone) {
     EXPECT_NE(leaks.find(c.onStack), std::string::npos) << run.report;
     // The registry's own objects are still not among the leaks.
     EXPECT_EQ(leaks.find("NewRegistry"), std::string::npos) << run.report;
-    EXPECT_NE(run.report.find("NewRegistryContainer"), std::string::npos) << run.report;
+    EXPECT_NE(run.report.find("NewRegistryEntry"), std::string::npos) << run.report;
   }
 }
 
