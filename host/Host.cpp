@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <cctype>
 #include <utility>
 
 #include "HostImpl.h"
@@ -252,6 +254,22 @@ const ClassRepository& Host::repository() const {
   return impl_->repository;
 }
 
+void Host::setDefaultNameSpace(const std::string& nameSpace) {
+  const bool wellFormed =
+      !nameSpace.empty() && std::all_of(nameSpace.begin(), nameSpace.end(), [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '/';
+      });
+  if (!wellFormed) {
+    throw HostError("'" + nameSpace +
+                    "' is not a namespace (letters, digits, '_' and '/', not empty)");
+  }
+  impl_->defaultNameSpace = nameSpace;
+}
+
+const std::string& Host::defaultNameSpace() const {
+  return impl_->defaultNameSpace;
+}
+
 void Host::registerProvider(const ProviderRegistration& registration,
                             const MiFactories& factories) {
   RequireRegistration(registration);
@@ -283,6 +301,14 @@ void Host::loadRegistrationFile(const std::string& path,
   std::vector<Pending> pending;
   for (const RegistrationStanza& stanza : ReadRegistrationFile(path)) {
     const std::string where = path + ":" + std::to_string(stanza.line) + ": ";
+    // A provider for a class nobody declared could never be asked; most
+    // often its MOF was loaded after this file, or into another namespace.
+    for (const ProviderRegistration& registration : stanza.registrations) {
+      if (impl_->repository.findClass(registration.nameSpace, stanza.className) == nullptr) {
+        throw HostError(where + "class " + stanza.className + " is not declared in namespace " +
+                        registration.nameSpace + " (load its MOF before the registration file)");
+      }
+    }
     const std::string library = FindProviderLibrary(stanza, path, libraryDirs);
     void* handle = dlopen(library.c_str(), RTLD_LOCAL | RTLD_NOW);
     if (handle == nullptr) {

@@ -46,7 +46,9 @@ struct Host::Impl {
   ClassRepository repository;
   ProviderTable providers;
   LogBook log;
-  const std::string defaultNameSpace = "root/cimv2";
+  // Set only while no request is served (see Host::setDefaultNameSpace), so
+  // requests and upcalls read it without a lock.
+  std::string defaultNameSpace = "root/cimv2";
 
   mutable std::mutex clockMutex;
   std::function<std::chrono::system_clock::time_point()> clock;

@@ -37,19 +37,43 @@ std::unique_ptr<std::vector<std::string>> PropertyList(const char** properties) 
   return list;
 }
 
-// The request's path, with the host's default namespace when it has none.
-std::optional<PathData> RequestPath(Host::Impl& host, const CMPIObjectPath* path, CMPIStatus* rc) {
+// What an instance upcall works with once its arguments are checked.
+struct Upcall {
+  Host::Impl& host;
+  PathData path;  // in the host's default namespace when it names none
+};
+
+// Checks what every instance upcall needs: one of our brokers, one of its
+// paths, and a scope open for what the upcall returns. Null, with `rc` set,
+// when anything is missing.
+std::optional<Upcall> BeginUpcall(const CMPIBroker* broker, const CMPIObjectPath* path,
+                                  CMPIStatus* rc) {
+  Host::Impl* host = HostFor(broker, rc);
+  if (host == nullptr) {
+    return std::nullopt;
+  }
   const ObjectPathObject* object = AsObjectPath(path);
   if (object == nullptr) {
     SetStatus(rc, path == nullptr ? CMPI_RC_ERR_INVALID_PARAMETER : CMPI_RC_ERR_INVALID_HANDLE,
               "the object path is null or not one of this broker");
     return std::nullopt;
   }
-  PathData request = object->path;
-  if (request.nameSpace.empty()) {
-    request.nameSpace = host.defaultNameSpace;
+  if (Scope::Current() == nullptr) {
+    SetNoScopeStatus(rc);
+    return std::nullopt;
   }
-  return request;
+  Upcall upcall{*host, object->path};
+  if (upcall.path.nameSpace.empty()) {
+    upcall.path.nameSpace = host->defaultNameSpace;
+  }
+  return upcall;
+}
+
+// CMPI_RC_OK for one of our brokers; otherwise the status that says it is not.
+CMPIStatus CheckBroker(const CMPIBroker* broker) {
+  return Host::Impl::Of(broker) == nullptr
+             ? MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost")
+             : MakeStatus(CMPI_RC_OK);
 }
 
 void SetGatheredStatus(CMPIStatus* rc, const Status& status) {
@@ -58,21 +82,13 @@ void SetGatheredStatus(CMPIStatus* rc, const Status& status) {
 
 CMPIEnumeration* Enumerate(const CMPIBroker* broker, const CMPIObjectPath* path,
                            const char** properties, bool namesOnly, CMPIStatus* rc) {
-  Host::Impl* host = HostFor(broker, rc);
-  if (host == nullptr) {
-    return nullptr;
-  }
-  const std::optional<PathData> request = RequestPath(*host, path, rc);
-  if (!request) {
-    return nullptr;
-  }
-  if (Scope::Current() == nullptr) {
-    SetNoScopeStatus(rc);
+  const std::optional<Upcall> upcall = BeginUpcall(broker, path, rc);
+  if (!upcall) {
     return nullptr;
   }
   const auto list = PropertyList(properties);
   // An unknown class is answered like one without instances: empty.
-  const Gathered gathered = DispatchEnumerate(*host, *request, list.get(), namesOnly);
+  const Gathered gathered = DispatchEnumerate(upcall->host, upcall->path, list.get(), namesOnly);
   if (gathered.status.rc != CMPI_RC_OK && gathered.status.rc != CMPI_RC_ERR_INVALID_CLASS) {
     SetGatheredStatus(rc, gathered.status);
     return nullptr;
@@ -102,20 +118,12 @@ CMPIEnumeration* EnumerateInstances(const CMPIBroker* broker, const CMPIContext*
 
 CMPIInstance* GetInstance(const CMPIBroker* broker, const CMPIContext*, const CMPIObjectPath* path,
                           const char** properties, CMPIStatus* rc) {
-  Host::Impl* host = HostFor(broker, rc);
-  if (host == nullptr) {
-    return nullptr;
-  }
-  const std::optional<PathData> request = RequestPath(*host, path, rc);
-  if (!request) {
-    return nullptr;
-  }
-  if (Scope::Current() == nullptr) {
-    SetNoScopeStatus(rc);
+  const std::optional<Upcall> upcall = BeginUpcall(broker, path, rc);
+  if (!upcall) {
     return nullptr;
   }
   const auto list = PropertyList(properties);
-  const Gathered gathered = DispatchGetInstance(*host, *request, list.get());
+  const Gathered gathered = DispatchGetInstance(upcall->host, upcall->path, list.get());
   if (gathered.status.rc != CMPI_RC_OK) {
     SetGatheredStatus(rc, gathered.status);
     return nullptr;
@@ -125,7 +133,7 @@ CMPIInstance* GetInstance(const CMPIBroker* broker, const CMPIContext*, const CM
       return CreateInScope<InstanceObject>(rc, record.value.sharedInstance());
     }
   }
-  SetStatus(rc, CMPI_RC_ERR_NOT_FOUND, "no instance " + PathToString(*request));
+  SetStatus(rc, CMPI_RC_ERR_NOT_FOUND, "no instance " + PathToString(upcall->path));
   return nullptr;
 }
 
@@ -144,8 +152,8 @@ CMPIContext* PrepareAttachThread(const CMPIBroker* broker, const CMPIContext* co
 }
 
 CMPIStatus AttachThread(const CMPIBroker* broker, const CMPIContext* context) {
-  if (Host::Impl::Of(broker) == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
+  if (const CMPIStatus checked = CheckBroker(broker); checked.rc != CMPI_RC_OK) {
+    return checked;
   }
   if (AsContext(context) == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_PARAMETER, "attachThread: not a context of this broker");
@@ -156,8 +164,8 @@ CMPIStatus AttachThread(const CMPIBroker* broker, const CMPIContext* context) {
 }
 
 CMPIStatus DetachThread(const CMPIBroker* broker, const CMPIContext* context) {
-  if (Host::Impl::Of(broker) == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
+  if (const CMPIStatus checked = CheckBroker(broker); checked.rc != CMPI_RC_OK) {
+    return checked;
   }
   if (tAttached.empty()) {
     return MakeStatus(CMPI_RC_ERR_FAILED, "detachThread: this thread is not attached");
@@ -172,10 +180,10 @@ CMPIStatus DetachThread(const CMPIBroker* broker, const CMPIContext* context) {
 
 CMPIStatus DeliverIndication(const CMPIBroker* broker, const CMPIContext*, const char*,
                              const CMPIInstance*) {
-  if (Host::Impl::Of(broker) == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
-  }
-  return MakeStatus(CMPI_RC_ERR_NOT_SUPPORTED, "cmpihost does not deliver indications");
+  const CMPIStatus checked = CheckBroker(broker);
+  return checked.rc != CMPI_RC_OK
+             ? checked
+             : MakeStatus(CMPI_RC_ERR_NOT_SUPPORTED, "cmpihost does not deliver indications");
 }
 
 // --- requests the host does not offer ---
@@ -198,10 +206,8 @@ CMPIObjectPath* CreateInstance(const CMPIBroker* broker, const CMPIContext*, con
 }
 
 CMPIStatus StatusNotOffered(const CMPIBroker* broker) {
-  if (Host::Impl::Of(broker) == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
-  }
-  return MakeStatus(CMPI_RC_ERR_NOT_SUPPORTED, kNotOffered);
+  const CMPIStatus checked = CheckBroker(broker);
+  return checked.rc != CMPI_RC_OK ? checked : MakeStatus(CMPI_RC_ERR_NOT_SUPPORTED, kNotOffered);
 }
 
 CMPIStatus ModifyInstance(const CMPIBroker* broker, const CMPIContext*, const CMPIObjectPath*,

@@ -7,15 +7,6 @@ namespace {
 
 const char* const kNotOurs = "not an object of this broker (null or foreign handle)";
 
-template <typename Object>
-CMPIStatus ReleaseIfOurs(Object* object) {
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
-  }
-  ReleaseObject(object);
-  return MakeStatus(CMPI_RC_OK);
-}
-
 CMPIStatus AddNamed(NamedValues& values, const char* name, const CMPIValue* value, CMPIType type,
                     const char* what) {
   if (name == nullptr) {
@@ -61,7 +52,7 @@ CMPIData GetNamedAt(const NamedValues& values, CMPICount index, CMPIString** nam
 // --- CMPIArgs ---
 
 CMPIStatus ArgsRelease(CMPIArgs* args) {
-  return ReleaseIfOurs(AsArgs(args));
+  return ReleaseIfOurs(AsArgs(args), kNotOurs);
 }
 
 CMPIArgs* ArgsClone(const CMPIArgs* args, CMPIStatus* rc) {
@@ -116,7 +107,7 @@ CMPICount ArgsGetArgCount(const CMPIArgs* args, CMPIStatus* rc) {
 // --- CMPIContext ---
 
 CMPIStatus ContextRelease(CMPIContext* context) {
-  return ReleaseIfOurs(AsContext(context));
+  return ReleaseIfOurs(AsContext(context), kNotOurs);
 }
 
 CMPIContext* ContextClone(const CMPIContext* context, CMPIStatus* rc) {
@@ -172,7 +163,7 @@ CMPIStatus ContextAddEntry(const CMPIContext* context, const char* name, const C
 // --- CMPIEnumeration ---
 
 CMPIStatus EnumerationRelease(CMPIEnumeration* enumeration) {
-  return ReleaseIfOurs(AsEnumeration(enumeration));
+  return ReleaseIfOurs(AsEnumeration(enumeration), kNotOurs);
 }
 
 CMPIEnumeration* EnumerationClone(const CMPIEnumeration* enumeration, CMPIStatus* rc) {

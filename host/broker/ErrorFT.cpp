@@ -9,12 +9,7 @@ namespace {
 const char* const kNotOurs = "not an error of this broker (null or foreign handle)";
 
 CMPIStatus ErrorRelease(CMPIError* error) {
-  ErrorObject* object = AsError(error);
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
-  }
-  ReleaseObject(object);
-  return MakeStatus(CMPI_RC_OK);
+  return ReleaseIfOurs(AsError(error), kNotOurs);
 }
 
 CMPIError* ErrorClone(const CMPIError* error, CMPIStatus* rc) {
@@ -117,19 +112,16 @@ CMPIStatus SetArray(CMPIError* error, const CMPIArray* array) {
 
 const char* const kNoQueries = "cmpihost does not evaluate queries";
 
+const char* const kNotOurSelectExp = "not a select expression of this broker";
+
 CMPIStatus SelectExpRelease(CMPISelectExp* expression) {
-  SelectExpObject* object = AsSelectExp(expression);
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a select expression of this broker");
-  }
-  ReleaseObject(object);
-  return MakeStatus(CMPI_RC_OK);
+  return ReleaseIfOurs(AsSelectExp(expression), kNotOurSelectExp);
 }
 
 CMPISelectExp* SelectExpClone(const CMPISelectExp* expression, CMPIStatus* rc) {
   const SelectExpObject* object = AsSelectExp(expression);
   if (object == nullptr) {
-    SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, "not a select expression of this broker");
+    SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, kNotOurSelectExp);
     return nullptr;
   }
   return CreateOwned<SelectExpObject>(rc, object->query, object->language);
@@ -143,7 +135,7 @@ CMPIBoolean SelectExpEvaluate(const CMPISelectExp*, const CMPIInstance*, CMPISta
 CMPIString* SelectExpGetString(const CMPISelectExp* expression, CMPIStatus* rc) {
   const SelectExpObject* object = AsSelectExp(expression);
   if (object == nullptr) {
-    SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, "not a select expression of this broker");
+    SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, kNotOurSelectExp);
     return nullptr;
   }
   return CreateInScope<StringObject>(rc, object->query);

@@ -11,12 +11,7 @@ namespace {
 const char* const kNotOurs = "not an instance of this broker (null or foreign handle)";
 
 CMPIStatus InstanceRelease(CMPIInstance* instance) {
-  InstanceObject* object = AsInstance(instance);
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
-  }
-  ReleaseObject(object);
-  return MakeStatus(CMPI_RC_OK);
+  return ReleaseIfOurs(AsInstance(instance), kNotOurs);
 }
 
 CMPIInstance* InstanceClone(const CMPIInstance* instance, CMPIStatus* rc) {

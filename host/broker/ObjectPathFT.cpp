@@ -8,12 +8,7 @@ namespace {
 const char* const kNotOurs = "not an object path of this broker (null or foreign handle)";
 
 CMPIStatus PathRelease(CMPIObjectPath* path) {
-  ObjectPathObject* object = AsObjectPath(path);
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
-  }
-  ReleaseObject(object);
-  return MakeStatus(CMPI_RC_OK);
+  return ReleaseIfOurs(AsObjectPath(path), kNotOurs);
 }
 
 CMPIObjectPath* PathClone(const CMPIObjectPath* path, CMPIStatus* rc) {

@@ -230,6 +230,15 @@ CMPIStatus NoScopeStatus() {
   return status;
 }
 
+CMPIStatus ReleaseIfOurs(const HostObject* object, const char* notOurs) {
+  if (object == nullptr) {
+    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, notOurs);
+  }
+  // Handles are const where CMPI reads them; releasing is still the owner's.
+  ReleaseObject(const_cast<HostObject*>(object));
+  return MakeStatus(CMPI_RC_OK);
+}
+
 void SetNoScopeStatus(CMPIStatus* out) {
   if (out != nullptr) {
     *out = NoScopeStatus();

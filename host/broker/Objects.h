@@ -167,6 +167,10 @@ void SetStatus(CMPIStatus* out, CMPIrc rc, std::string_view message = {});
 void SetNoScopeStatus(CMPIStatus* out);
 CMPIStatus NoScopeStatus();
 CMPIString* NewMessageString(const std::string& text);
+// Every handle's release: frees `object` at once, or answers
+// CMPI_RC_ERR_INVALID_HANDLE with `notOurs` when it is null (a handle that
+// is not the host's).
+CMPIStatus ReleaseIfOurs(const HostObject* object, const char* notOurs);
 CMPIData NullData(CMPIType type, CMPIValueState state = CMPI_nullValue);
 // The name out-argument of the get...At functions: a string of the current
 // scope; a failure to make it overrides an OK in `rc`.

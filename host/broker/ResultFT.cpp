@@ -9,12 +9,7 @@ namespace {
 const char* const kNotOurs = "not a result of this broker (null or foreign handle)";
 
 CMPIStatus ResultRelease(CMPIResult* result) {
-  ResultObject* object = AsResult(result);
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
-  }
-  ReleaseObject(object);
-  return MakeStatus(CMPI_RC_OK);
+  return ReleaseIfOurs(AsResult(result), kNotOurs);
 }
 
 CMPIResult* ResultClone(const CMPIResult* result, CMPIStatus* rc) {

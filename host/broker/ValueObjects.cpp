@@ -42,12 +42,7 @@ const char* StringGetCharPtr(const CMPIString* string, CMPIStatus* rc) {
 // --- CMPIDateTime ---
 
 CMPIStatus DateTimeRelease(CMPIDateTime* dateTime) {
-  const DateTimeObject* object = AsDateTime(dateTime);
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
-  }
-  ReleaseObject(const_cast<DateTimeObject*>(object));
-  return MakeStatus(CMPI_RC_OK);
+  return ReleaseIfOurs(AsDateTime(dateTime), kNotOurs);
 }
 
 CMPIDateTime* DateTimeClone(const CMPIDateTime* dateTime, CMPIStatus* rc) {
@@ -91,12 +86,7 @@ CMPIBoolean DateTimeIsInterval(const CMPIDateTime* dateTime, CMPIStatus* rc) {
 // --- CMPIArray ---
 
 CMPIStatus ArrayRelease(CMPIArray* array) {
-  ArrayObject* object = AsArray(array);
-  if (object == nullptr) {
-    return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, kNotOurs);
-  }
-  ReleaseObject(object);
-  return MakeStatus(CMPI_RC_OK);
+  return ReleaseIfOurs(AsArray(array), kNotOurs);
 }
 
 CMPIArray* ArrayClone(const CMPIArray* array, CMPIStatus* rc) {

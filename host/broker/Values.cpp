@@ -270,44 +270,6 @@ PathData InstanceData::objectPath() const {
   return path;
 }
 
-std::string CmpiTypeName(CMPIType type) {
-  static const std::pair<CMPIType, const char*> kNames[] = {
-      {CMPI_null, "null"},
-      {CMPI_boolean, "boolean"},
-      {CMPI_char16, "char16"},
-      {CMPI_real32, "real32"},
-      {CMPI_real64, "real64"},
-      {CMPI_uint8, "uint8"},
-      {CMPI_uint16, "uint16"},
-      {CMPI_uint32, "uint32"},
-      {CMPI_uint64, "uint64"},
-      {CMPI_sint8, "sint8"},
-      {CMPI_sint16, "sint16"},
-      {CMPI_sint32, "sint32"},
-      {CMPI_sint64, "sint64"},
-      {CMPI_instance, "instance"},
-      {CMPI_ref, "ref"},
-      {CMPI_args, "args"},
-      {CMPI_class, "class"},
-      {CMPI_filter, "filter"},
-      {CMPI_enumeration, "enumeration"},
-      {CMPI_string, "string"},
-      {CMPI_chars, "chars"},
-      {CMPI_dateTime, "datetime"},
-      {CMPI_ptr, "ptr"},
-      {CMPI_charsptr, "charsptr"},
-  };
-  const auto base = static_cast<CMPIType>(type & ~CMPI_ARRAY);
-  std::string name = "type " + std::to_string(base);
-  for (const auto& [code, text] : kNames) {
-    if (code == base) {
-      name = text;
-      break;
-    }
-  }
-  return (type & CMPI_ARRAY) != 0 ? name + "[]" : name;
-}
-
 CMPIType NormalizedType(CMPIType type) {
   const auto base = static_cast<CMPIType>(type & ~CMPI_ARRAY);
   const CMPIType normalizedBase = base == CMPI_chars ? CMPI_string : base;

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "broker/DateTime.h"
+#include "cmpihost/CmpiNames.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
 
@@ -146,8 +147,6 @@ bool SameValue(const HostValue& a, const HostValue& b);
 // Shortest decimal text that reads back as the same real.
 std::string RealText(double value, bool single);
 
-// "uint16", "string[]", "ref", ...: for messages.
-std::string CmpiTypeName(CMPIType type);
 // CMPI_chars (and its array) read as CMPI_string: what the host stores.
 CMPIType NormalizedType(CMPIType type);
 

@@ -115,6 +115,9 @@ int RunRequest(Session& session, const Formatter& formatter, const Request& requ
   Executor executor(session, formatter);
   const Outcome outcome = executor.run(request);
   std::cout << outcome.output << std::flush;
+  if (!outcome.hint.empty()) {
+    std::cerr << "cmpihost: " << outcome.hint << '\n';
+  }
   if (!outcome.failure.empty()) {
     std::cerr << "cmpihost: " << outcome.failure << '\n';
     return 1;

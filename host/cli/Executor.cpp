@@ -2,9 +2,12 @@
 
 #include <strings.h>
 
-#include "cli/CmpiNames.h"
+#include <utility>
+
+#include "broker/PathText.h"
 #include "cli/PathHead.h"
 #include "cli/UsageError.h"
+#include "cmpihost/CmpiNames.h"
 #include "repository/ClassRepository.h"
 
 namespace cmpihost::cli {
@@ -12,25 +15,47 @@ namespace cmpihost::cli {
 struct Executor::ClassTarget {
   std::string nameSpace;
   const ClassDecl* decl = nullptr;
-  std::string text;  // the path text for the host, the default namespace filled in
+  std::string text;  // the path text as the user gave it
 };
 
 namespace {
-
-constexpr const char* kHostNameSpace = "root/cimv2";
 
 bool SameName(const std::string& a, const std::string& b) {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
 }
 
+// "<Operation> failed: NAME (code): message". The library's entry points
+// begin their own messages with "<Operation> failed: ", which is said once.
 std::string Failure(const VerbInfo& verb, const Status& status) {
-  std::string text = std::string(verb.operation) + " failed: " + StatusName(status.rc) + " (" +
-                     std::to_string(status.rc) + ")";
-  if (status.hasMessage && !status.message.empty()) {
-    text += ": " + status.message;
+  const std::string failed = std::string(verb.operation) + " failed: ";
+  std::string text = failed + CmpiStatusName(status.rc) + " (" + std::to_string(status.rc) + ")";
+  std::string message = status.hasMessage ? status.message : std::string();
+  if (message.compare(0, failed.size(), failed) == 0) {
+    message.erase(0, failed.size());
+  }
+  if (!message.empty()) {
+    text += ": " + message;
   }
   return text;
 }
+
+Outcome Printed(std::string output) {
+  Outcome outcome;
+  outcome.output = std::move(output);
+  return outcome;
+}
+
+Outcome Failed(std::string failure) {
+  Outcome outcome;
+  outcome.failure = std::move(failure);
+  return outcome;
+}
+
+// The library's association providers serve only requests that name the
+// association class, so an unfiltered empty answer usually means that.
+constexpr const char* kNoAssocClassHint =
+    "hint: the library's providers answer nothing when the request names no association "
+    "class; name one with --assoc-class";
 
 std::string NameList(const std::vector<std::string>& names) {
   std::string text;
@@ -138,6 +163,40 @@ void Executor::requireClass(const std::string& nameSpace, const std::string& cla
   }
 }
 
+void Executor::requireReference(const std::string& text, const std::string& refClass,
+                                const std::string& enclosingNameSpace,
+                                const std::string& what) const {
+  try {
+    const PathSyntax syntax = ParsePathSyntax(text);
+    const std::string nameSpace = syntax.nameSpace.empty() ? enclosingNameSpace : syntax.nameSpace;
+    const ClassDecl* decl = session_.repository().findClass(nameSpace, syntax.className);
+    if (decl == nullptr) {
+      throw UsageError("unknown class " + syntax.className + " in namespace " + nameSpace);
+    }
+    if (!session_.repository().isA(nameSpace, decl->name(), refClass)) {
+      throw UsageError("class " + decl->name() + " is neither " + refClass +
+                       " (the declared reference class) nor a subclass of it");
+    }
+    requireReferenceKeys(text, *decl, nameSpace);
+  } catch (const UsageError& error) {
+    throw UsageError(what + ": " + error.what());
+  } catch (const HostError& error) {
+    throw UsageError(what + ": " + error.what());
+  }
+}
+
+void Executor::requireReferenceKeys(const std::string& text, const ClassDecl& decl,
+                                    const std::string& nameSpace) const {
+  for (const PathSyntax::Key& key : ParsePathSyntax(text).keys) {
+    const PropertyDecl* property = decl.findProperty(key.name);
+    // Keys the class lacks, and values of other types, are the host's to report.
+    if (property != nullptr && property->type.type == CimType::kReference &&
+        !property->type.isArray) {
+      requireReference(key.text, property->type.refClass, nameSpace, "key " + property->name);
+    }
+  }
+}
+
 Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly) const {
   const PathHead head = ReadPathHead(text);
   if (classOnly && head.hasKeys) {
@@ -147,11 +206,10 @@ Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly)
   target.nameSpace = head.nameSpace.empty() ? session_.nameSpace() : head.nameSpace;
   requireClass(target.nameSpace, head.className);
   target.decl = session_.repository().findClass(target.nameSpace, head.className);
-  // The host reads paths without a namespace as root/cimv2; leaving those
-  // as typed keeps the columns of the host's own path errors right.
-  target.text = session_.nameSpace() == kHostNameSpace
-                    ? text
-                    : WithNameSpace(text, head, session_.nameSpace());
+  target.text = text;
+  if (head.hasKeys) {
+    requireReferenceKeys(text, *target.decl, target.nameSpace);
+  }
   return target;
 }
 
@@ -171,7 +229,7 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
   for (const ClassDecl* decl : classes) {
     names.push_back(decl->name());
   }
-  return Outcome{formatter_.classNames(names), ""};
+  return Printed(formatter_.classNames(names));
 }
 
 Outcome Executor::enumerateInstances(const Request& request) {
@@ -198,6 +256,7 @@ Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) c
     const std::vector<InstanceSnapshot> instances = reply.instances();
     if (outcome.failure.empty() || !instances.empty()) {
       outcome.output = formatter_.instances(instances);
+      outcome.instances = !instances.empty();
     }
   }
   return outcome;
@@ -213,6 +272,7 @@ Outcome Executor::getInstance(const Request& request) {
   const std::vector<InstanceSnapshot> instances = reply.instances();
   if (!instances.empty()) {
     outcome.output = formatter_.instance(instances.front());
+    outcome.instances = true;
   }
   return outcome;
 }
@@ -221,13 +281,20 @@ Outcome Executor::invokeMethod(const Request& request) {
   const ClassTarget target = resolve(request.target, false);
   const MethodDecl& method = RequireMethod(*target.decl, request.method);
   const std::vector<Argument> arguments = CheckedArguments(*target.decl, method, request.arguments);
+  for (const Argument& argument : arguments) {
+    const ParameterDecl& parameter = RequireInputParameter(*target.decl, method, argument.name);
+    if (parameter.type.type == CimType::kReference && !parameter.type.isArray) {
+      requireReference(argument.text, parameter.type.refClass, target.nameSpace,
+                       "argument " + parameter.name);
+    }
+  }
   std::vector<Property> out;
   const Reply reply = session_.host().invokeMethod(target.text, method.name, arguments, &out);
   if (reply.status.rc != CMPI_RC_OK) {
-    return Outcome{"", Failure(*request.verb, reply.status)};
+    return Failed(Failure(*request.verb, reply.status));
   }
   const std::vector<Value> data = reply.data();
-  return Outcome{formatter_.methodResult(data.empty() ? nullptr : &data.front(), out), ""};
+  return Printed(formatter_.methodResult(data.empty() ? nullptr : &data.front(), out));
 }
 
 Outcome Executor::associate(const Request& request) {
@@ -256,7 +323,14 @@ Outcome Executor::associate(const Request& request) {
       reply = host.referenceNames(target.text, filter);
       names = true;
   }
-  return listed(*request.verb, reply, names);
+  Outcome outcome = listed(*request.verb, reply, names);
+  const bool associators =
+      request.verb->verb == Verb::kAssociators || request.verb->verb == Verb::kAssociatorNames;
+  if (associators && !filter.assocClass && reply.status.rc == CMPI_RC_OK &&
+      reply.instances().empty() && reply.paths().empty()) {
+    outcome.hint = kNoAssocClassHint;
+  }
+  return outcome;
 }
 
 }  // namespace cmpihost::cli

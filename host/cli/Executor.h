@@ -9,12 +9,15 @@
 #include "cli/Formatter.h"
 #include "cli/Request.h"
 #include "cli/Session.h"
+#include "repository/ClassDecl.h"
 
 namespace cmpihost::cli {
 
 struct Outcome {
-  std::string output;   // for standard output; may be empty
-  std::string failure;  // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  std::string output;      // for standard output; may be empty
+  std::string failure;     // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  std::string hint;        // advice for standard error about an answer that looks wrong
+  bool instances = false;  // `output` shows instances (a script separates such runs)
 };
 
 class Executor {
@@ -31,6 +34,15 @@ class Executor {
   // The class a CLASS (`classOnly`) or PATH argument names, which must exist.
   ClassTarget resolve(const std::string& text, bool classOnly) const;
   void requireClass(const std::string& nameSpace, const std::string& className) const;
+  // A reference given as text (`what`: "argument X", "key Y") must name a
+  // class the repository knows that is `refClass` or one of its subclasses;
+  // its own reference keys are checked the same way. A text without a
+  // namespace is in `nameSpace`, that of the path or call it belongs to.
+  void requireReference(const std::string& text, const std::string& refClass,
+                        const std::string& nameSpace, const std::string& what) const;
+  // The reference-typed keys of a path text of the class `decl`.
+  void requireReferenceKeys(const std::string& text, const ClassDecl& decl,
+                            const std::string& nameSpace) const;
 
   Outcome dispatch(const Request& request);
   Outcome enumerateClassNames(const Request& request) const;

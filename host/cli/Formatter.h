@@ -25,6 +25,9 @@ class Formatter {
                                    const std::vector<Property>& outArguments) const = 0;
   // A script's echo line.
   virtual std::string echo(const std::string& text) const = 0;
+  // Printed between the outputs of two requests in a row that both showed
+  // instances, so that a script's listings read apart as their instances do.
+  virtual std::string listingSeparator() const = 0;
 };
 
 }  // namespace cmpihost::cli

@@ -1,7 +1,7 @@
 #include "cli/JsonFormatter.h"
 
-#include "cli/CmpiNames.h"
 #include "cli/JsonWriter.h"
+#include "cmpihost/CmpiNames.h"
 
 namespace cmpihost::cli {
 namespace {
@@ -53,7 +53,7 @@ void WriteValue(JsonWriter& json, const Value& value) {
 }
 
 void WriteTyped(JsonWriter& json, const Value& value) {
-  json.beginObject().key("type").string(TypeName(value.type)).key("value");
+  json.beginObject().key("type").string(CmpiTypeName(value.type)).key("value");
   WriteValue(json, value);
   json.endObject();
 }
@@ -129,6 +129,10 @@ std::string JsonFormatter::echo(const std::string& text) const {
   JsonWriter json;
   json.beginObject().key("echo").string(text).endObject();
   return json.text() + "\n";
+}
+
+std::string JsonFormatter::listingSeparator() const {
+  return "";  // one JSON text per line already
 }
 
 }  // namespace cmpihost::cli

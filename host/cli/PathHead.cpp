@@ -47,14 +47,14 @@ PathHead ReadPathHead(const std::string& text) {
     head.nameSpace = text.substr(pos, colon - pos);
     pos = colon + 1;
   }
-  head.classStart = pos;
+  const std::size_t classStart = pos;
   if (pos >= text.size() || !IsNameStart(text[pos])) {
     Fail(text, pos, "expected a class name, found " + Describe(text, pos));
   }
   while (pos < text.size() && IsNameChar(text[pos])) {
     ++pos;
   }
-  head.className = text.substr(head.classStart, pos - head.classStart);
+  head.className = text.substr(classStart, pos - classStart);
   if (pos < text.size()) {
     if (text[pos] != '.') {
       Fail(text, pos, "expected '.' and keys after the class name, found " + Describe(text, pos));
@@ -65,14 +65,6 @@ PathHead ReadPathHead(const std::string& text) {
     head.hasKeys = true;
   }
   return head;
-}
-
-std::string WithNameSpace(const std::string& text, const PathHead& head,
-                          const std::string& nameSpace) {
-  if (!head.nameSpace.empty()) {
-    return text;
-  }
-  return text.substr(0, head.classStart) + nameSpace + ":" + text.substr(head.classStart);
 }
 
 }  // namespace cmpihost::cli

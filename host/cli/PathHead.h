@@ -1,7 +1,6 @@
 // The part of an object path text before its keys: enough for the command
-// to find the class (to check it, its methods and their parameters) and to
-// give the path the default namespace. The keys are left to the host, which
-// types them from the class.
+// to find the class (to check it, its methods and their parameters). The
+// keys are left to the host, which types them from the class.
 #ifndef CMPIHOST_CLI_PATHHEAD_H_
 #define CMPIHOST_CLI_PATHHEAD_H_
 
@@ -13,17 +12,12 @@ namespace cmpihost::cli {
 struct PathHead {
   std::string nameSpace;  // "" when the text names none
   std::string className;
-  std::size_t classStart = 0;  // offset of the class name in the text
-  bool hasKeys = false;        // a '.' and keys follow the class name
+  bool hasKeys = false;  // a '.' and keys follow the class name
 };
 
 // Reads `[//host/][namespace:]Class[.keys]`. Throws UsageError
 // "path text 'TEXT': column N: problem".
 PathHead ReadPathHead(const std::string& text);
-
-// `text` with `nameSpace` put in front of the class when it names none.
-std::string WithNameSpace(const std::string& text, const PathHead& head,
-                          const std::string& nameSpace);
 
 }  // namespace cmpihost::cli
 

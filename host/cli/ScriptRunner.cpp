@@ -136,7 +136,7 @@ bool ScriptRunner::runCommand(const std::vector<std::string>& words, const Scrip
   }
   if (AsksForHelp(words)) {
     progress_.clear();
-    out_ << HelpFor(words) << std::flush;
+    showed(HelpFor(words), false);
     return true;
   }
   if (words[0] == "run" || words[0] == "-") {
@@ -144,7 +144,13 @@ bool ScriptRunner::runCommand(const std::vector<std::string>& words, const Scrip
   }
   const Outcome outcome = executor_.run(ParseRequest(words));
   progress_.clear();
-  out_ << outcome.output << std::flush;
+  if (outcome.instances && instancesShownLast_) {
+    out_ << formatter_.listingSeparator();
+  }
+  showed(outcome.output, outcome.instances);
+  if (!outcome.hint.empty()) {
+    err_ << "cmpihost: " << where << ": " << outcome.hint << '\n';
+  }
   if (!outcome.failure.empty()) {
     err_ << "cmpihost: " << where << ": " << outcome.failure << '\n';
     return false;
@@ -156,7 +162,7 @@ bool ScriptRunner::runDirective(const std::vector<std::string>& words, const Scr
   const std::string& directive = words[0];
   if (directive == "echo") {
     progress_.clear();
-    out_ << formatter_.echo(Joined(words, 1)) << std::flush;
+    showed(formatter_.echo(Joined(words, 1)), false);
   } else if (directive == "mof") {
     session_.loadMof(resolve(OneArgument(words, "FILE"), source));
   } else if (directive == "providers") {
@@ -169,6 +175,13 @@ bool ScriptRunner::runDirective(const std::vector<std::string>& words, const Scr
     return false;
   }
   return true;
+}
+
+void ScriptRunner::showed(const std::string& output, bool instances) {
+  out_ << output << std::flush;
+  if (!output.empty()) {
+    instancesShownLast_ = instances;
+  }
 }
 
 std::string ScriptRunner::resolve(const std::string& name, const ScriptSource& source) const {

@@ -49,6 +49,8 @@ class ScriptRunner {
   // Runs a script directive; false when `words` is not one.
   bool runDirective(const std::vector<std::string>& words, const ScriptSource& source);
   std::string resolve(const std::string& name, const ScriptSource& source) const;
+  // Prints a command's output and remembers whether it showed instances.
+  void showed(const std::string& output, bool instances);
 
   Session& session_;
   const Formatter& formatter_;
@@ -56,6 +58,7 @@ class ScriptRunner {
   Progress& progress_;
   std::ostream& out_;
   std::ostream& err_;
+  bool instancesShownLast_ = false;  // the latest output on out_ showed instances
 };
 
 }  // namespace cmpihost::cli

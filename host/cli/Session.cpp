@@ -19,9 +19,17 @@ std::string OneLine(std::string text) {
 
 }  // namespace
 
+void Session::setNameSpace(const std::string& nameSpace) {
+  try {
+    host_.setDefaultNameSpace(nameSpace);
+  } catch (const HostError& error) {
+    throw UsageError(error.what());
+  }
+}
+
 void Session::loadMof(const std::string& path) {
   try {
-    host_.loadMof(path, nameSpace_);
+    host_.loadMof(path, nameSpace());
   } catch (const MofError& error) {
     throw UsageError(OneLine(error.what()));
   } catch (const HostError& error) {

@@ -21,9 +21,11 @@ class Session {
   Host& host() { return host_; }
   const ClassRepository& repository() const { return host_.repository(); }
 
-  // The namespace of classes, paths and MOF files that name none.
-  const std::string& nameSpace() const { return nameSpace_; }
-  void setNameSpace(const std::string& nameSpace) { nameSpace_ = nameSpace; }
+  // The namespace of classes, paths and MOF files that name none: the
+  // host's default namespace, so that the host reads the user's path texts
+  // as typed. Throws UsageError for a malformed namespace.
+  const std::string& nameSpace() const { return host_.defaultNameSpace(); }
+  void setNameSpace(const std::string& nameSpace);
 
   // A folder searched for provider libraries before a registration file's own.
   void addLibraryDir(const std::string& dir) { libraryDirs_.push_back(dir); }
@@ -38,7 +40,6 @@ class Session {
 
  private:
   Host host_;
-  std::string nameSpace_ = "root/cimv2";
   std::vector<std::string> libraryDirs_;
 };
 

@@ -48,4 +48,8 @@ std::string TextFormatter::echo(const std::string& text) const {
   return text + "\n";
 }
 
+std::string TextFormatter::listingSeparator() const {
+  return "\n";
+}
+
 }  // namespace cmpihost::cli

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
+#include <vector>
 
 #include "broker/PathText.h"
 #include "repository/StaticInstance.h"
@@ -249,23 +251,22 @@ ResultRecord Record(ResultRecord::Kind kind, HostValue value) {
   return record;
 }
 
-// An instance-provider request routed by the path's class (get, create,
-// modify, delete).
-template <typename Call>
-Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& call) {
+// A request served by one provider, the nearest of the path's class and its
+// superclasses that offers the kind (get, create, modify, delete, invoke).
+template <typename MI, typename Call>
+Gathered RouteToNearestProvider(Host::Impl& host, const PathData& path, MiKind kind, Call&& call) {
   Gathered gathered;
   if (host.repository.findClass(path.nameSpace, path.className) == nullptr) {
     gathered.status = UnknownClass(path.nameSpace, path.className);
     return gathered;
   }
-  ProviderEntry* provider =
-      NearestProvider(host, path.nameSpace, path.className, MiKind::kInstance);
+  ProviderEntry* provider = NearestProvider(host, path.nameSpace, path.className, kind);
   if (provider == nullptr) {
-    gathered.status = NoProvider(MiKind::kInstance, path);
+    gathered.status = NoProvider(kind, path);
     return gathered;
   }
   gathered.served = true;
-  auto* mi = MiFor<CMPIInstanceMI>(host, *provider, MiKind::kInstance, gathered);
+  auto* mi = MiFor<MI>(host, *provider, kind, gathered);
   if (mi != nullptr) {
     CallProvider(host, path, gathered,
                  [&](const CMPIContext* context, const CMPIResult* result,
@@ -274,6 +275,55 @@ Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& 
                  });
   }
   return gathered;
+}
+
+template <typename Call>
+Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& call) {
+  return RouteToNearestProvider<CMPIInstanceMI>(host, path, MiKind::kInstance,
+                                                std::forward<Call>(call));
+}
+
+// Each class of an enumeration or query: `classPath`'s class and its
+// subclasses, as paths without keys. Empty, with the status set in
+// `gathered`, for an unknown class.
+std::vector<PathData> ClassPaths(Host::Impl& host, const PathData& classPath, Gathered& gathered) {
+  std::vector<PathData> paths;
+  for (const ClassDecl* decl :
+       host.repository.classAndSubclasses(classPath.nameSpace, classPath.className)) {
+    PathData path;
+    path.nameSpace = classPath.nameSpace;
+    path.className = decl->name();
+    paths.push_back(std::move(path));
+  }
+  if (paths.empty()) {
+    gathered.status = UnknownClass(classPath.nameSpace, classPath.className);
+  }
+  return paths;
+}
+
+// Calls every instance provider registered for exactly `path`'s class, in
+// registration order. False, with the reason in `gathered`, as soon as an
+// MI cannot be had or a call fails.
+template <typename Call>
+bool CallInstanceProviders(Host::Impl& host, const PathData& path, Gathered& gathered,
+                           Call&& call) {
+  for (ProviderEntry* provider :
+       host.providers.forClass(path.nameSpace, path.className, MiKind::kInstance)) {
+    gathered.served = true;
+    auto* mi = MiFor<CMPIInstanceMI>(host, *provider, MiKind::kInstance, gathered);
+    if (mi == nullptr) {
+      return false;
+    }
+    CallProvider(host, path, gathered,
+                 [&](const CMPIContext* context, const CMPIResult* result,
+                     const CMPIObjectPath* objectPath) {
+                   return call(*provider, mi, context, result, objectPath);
+                 });
+    if (gathered.status.rc != CMPI_RC_OK) {
+      return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace
@@ -381,43 +431,27 @@ Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
                            const std::vector<std::string>* properties, bool namesOnly) {
   Gathered gathered;
   const std::string& nameSpace = classPath.nameSpace;
-  const std::vector<const ClassDecl*> classes =
-      host.repository.classAndSubclasses(nameSpace, classPath.className);
-  if (classes.empty()) {
-    gathered.status = UnknownClass(nameSpace, classPath.className);
-    return gathered;
-  }
   PropertyArray propertyArray(properties);
-  for (const ClassDecl* decl : classes) {
-    PathData path;
-    path.nameSpace = nameSpace;
-    path.className = decl->name();
-    for (ProviderEntry* provider :
-         host.providers.forClass(nameSpace, decl->name(), MiKind::kInstance)) {
-      gathered.served = true;
-      auto* mi = MiFor<CMPIInstanceMI>(host, *provider, MiKind::kInstance, gathered);
-      if (mi == nullptr) {
-        return gathered;
-      }
-      CallProvider(host, path, gathered,
-                   [&](const CMPIContext* context, const CMPIResult* result,
-                       const CMPIObjectPath* objectPath) {
-                     if (namesOnly) {
-                       return mi->ft->enumerateInstanceNames == nullptr
-                                  ? Missing(*provider, MiKind::kInstance, "enumerateInstanceNames")
-                                  : mi->ft->enumerateInstanceNames(mi, context, result, objectPath);
-                     }
-                     return mi->ft->enumerateInstances == nullptr
-                                ? Missing(*provider, MiKind::kInstance, "enumerateInstances")
-                                : mi->ft->enumerateInstances(mi, context, result, objectPath,
-                                                             propertyArray.get());
-                   });
-      if (gathered.status.rc != CMPI_RC_OK) {
-        return gathered;
-      }
+  for (const PathData& path : ClassPaths(host, classPath, gathered)) {
+    const bool called = CallInstanceProviders(
+        host, path, gathered,
+        [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
+            const CMPIResult* result, const CMPIObjectPath* objectPath) {
+          if (namesOnly) {
+            return mi->ft->enumerateInstanceNames == nullptr
+                       ? Missing(provider, MiKind::kInstance, "enumerateInstanceNames")
+                       : mi->ft->enumerateInstanceNames(mi, context, result, objectPath);
+          }
+          return mi->ft->enumerateInstances == nullptr
+                     ? Missing(provider, MiKind::kInstance, "enumerateInstances")
+                     : mi->ft->enumerateInstances(mi, context, result, objectPath,
+                                                  propertyArray.get());
+        });
+    if (!called) {
+      return gathered;
     }
     for (const StaticInstance* instance :
-         host.repository.staticInstances(nameSpace, decl->name())) {
+         host.repository.staticInstances(nameSpace, path.className)) {
       gathered.served = true;
       InstanceData data = BuildStaticInstance(host, nameSpace, *instance);
       if (namesOnly) {
@@ -429,7 +463,7 @@ Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
       }
     }
   }
-  if (!gathered.served) {
+  if (!gathered.served && gathered.status.rc == CMPI_RC_OK) {
     gathered.status = Failure(CMPI_RC_ERR_NOT_SUPPORTED,
                               "no provider serves class " + classPath.className +
                                   " or its subclasses, and it has no static instances");
@@ -511,37 +545,20 @@ Gathered DispatchDeleteInstance(Host::Impl& host, const PathData& path) {
 Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const std::string& query,
                            const std::string& language) {
   Gathered gathered;
-  const std::vector<const ClassDecl*> classes =
-      host.repository.classAndSubclasses(classPath.nameSpace, classPath.className);
-  if (classes.empty()) {
-    gathered.status = UnknownClass(classPath.nameSpace, classPath.className);
-    return gathered;
-  }
-  for (const ClassDecl* decl : classes) {
-    PathData path;
-    path.nameSpace = classPath.nameSpace;
-    path.className = decl->name();
-    for (ProviderEntry* provider :
-         host.providers.forClass(path.nameSpace, decl->name(), MiKind::kInstance)) {
-      gathered.served = true;
-      auto* mi = MiFor<CMPIInstanceMI>(host, *provider, MiKind::kInstance, gathered);
-      if (mi == nullptr) {
-        return gathered;
-      }
-      CallProvider(host, path, gathered,
-                   [&](const CMPIContext* context, const CMPIResult* result,
-                       const CMPIObjectPath* objectPath) {
-                     return mi->ft->execQuery == nullptr
-                                ? Missing(*provider, MiKind::kInstance, "execQuery")
-                                : mi->ft->execQuery(mi, context, result, objectPath, query.c_str(),
-                                                    language.c_str());
-                   });
-      if (gathered.status.rc != CMPI_RC_OK) {
-        return gathered;
-      }
+  for (const PathData& path : ClassPaths(host, classPath, gathered)) {
+    const bool called = CallInstanceProviders(
+        host, path, gathered,
+        [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
+            const CMPIResult* result, const CMPIObjectPath* objectPath) {
+          return mi->ft->execQuery == nullptr ? Missing(provider, MiKind::kInstance, "execQuery")
+                                              : mi->ft->execQuery(mi, context, result, objectPath,
+                                                                  query.c_str(), language.c_str());
+        });
+    if (!called) {
+      return gathered;
     }
   }
-  if (!gathered.served) {
+  if (!gathered.served && gathered.status.rc == CMPI_RC_OK) {
     gathered.status =
         Failure(CMPI_RC_ERR_NOT_SUPPORTED,
                 "no provider serves class " + classPath.className + " or its subclasses");
@@ -551,33 +568,21 @@ Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const st
 
 Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std::string& method,
                               const NamedValues& in) {
-  Gathered gathered;
-  if (host.repository.findClass(path.nameSpace, path.className) == nullptr) {
-    gathered.status = UnknownClass(path.nameSpace, path.className);
-    return gathered;
-  }
-  ProviderEntry* provider = NearestProvider(host, path.nameSpace, path.className, MiKind::kMethod);
-  if (provider == nullptr) {
-    gathered.status = NoProvider(MiKind::kMethod, path);
-    return gathered;
-  }
-  gathered.served = true;
-  auto* mi = MiFor<CMPIMethodMI>(host, *provider, MiKind::kMethod, gathered);
-  if (mi == nullptr) {
-    return gathered;
-  }
-  CallProvider(
-      host, path, gathered,
-      [&](const CMPIContext* context, const CMPIResult* result, const CMPIObjectPath* objectPath) {
+  NamedValues outArguments;
+  Gathered gathered = RouteToNearestProvider<CMPIMethodMI>(
+      host, path, MiKind::kMethod,
+      [&](const ProviderEntry& provider, CMPIMethodMI* mi, const CMPIContext* context,
+          const CMPIResult* result, const CMPIObjectPath* objectPath) {
         const ArgsObject* inArgs = CreateInScope<ArgsObject>(nullptr, in);
         auto* outArgs = CreateInScope<ArgsObject>(nullptr);
         const CMPIStatus status = mi->ft->invokeMethod == nullptr
-                                      ? Missing(*provider, MiKind::kMethod, "invokeMethod")
+                                      ? Missing(provider, MiKind::kMethod, "invokeMethod")
                                       : mi->ft->invokeMethod(mi, context, result, objectPath,
                                                              method.c_str(), inArgs, outArgs);
-        gathered.outArguments = outArgs->args;
+        outArguments = outArgs->args;
         return status;
       });
+  gathered.outArguments = std::move(outArguments);
   return gathered;
 }
 

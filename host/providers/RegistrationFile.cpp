@@ -43,6 +43,8 @@ bool IsClassName(const std::string& name) {
   });
 }
 
+constexpr const char* kUnloadValues = "never";
+
 class StanzaReader {
  public:
   explicit StanzaReader(std::string name) : name_(std::move(name)) {}
@@ -113,8 +115,10 @@ class StanzaReader {
                             "] (first at line " + std::to_string(earlier->second) + ")");
     }
     open_->seen[key] = lineNumber_;
-    if (value.empty() && key != "unload") {
-      fail(lineNumber_, "'" + key + ":' has no value");
+    if (value.empty()) {
+      fail(lineNumber_, "'" + key + ":' has no value" +
+                            (key == "unload" ? std::string(" (accepted: ") + kUnloadValues + ")"
+                                             : std::string()));
     }
     if (key == "provider") {
       open_->stanza.providerName = value;
@@ -133,7 +137,13 @@ class StanzaReader {
     } else if (key == "namespace") {
       open_->nameSpaces = Words(value);
     } else {
-      open_->unloadNever = LowerCase(value) == "never";
+      // Only what the small-footprint CIMOM reads, spelled as it reads it:
+      // a file that loads here must load there.
+      if (value != "never") {
+        fail(lineNumber_, "'unload: " + value + "' is not accepted (accepted: " + kUnloadValues +
+                              "; leave 'unload:' out to let the CIMOM unload an idle provider)");
+      }
+      open_->unloadNever = true;
     }
   }
 

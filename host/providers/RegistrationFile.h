@@ -7,7 +7,8 @@
 //      location: fooprovider        (the library is libfooprovider.so)
 //      type: instance method        (instance association method indication property)
 //      namespace: root/cimv2 root/other
-//      unload: never
+//      unload: never                (the only value; without it the CIMOM may
+//                                    unload an idle provider)
 //      group: foo                   (ignored, as are unknown keys)
 #ifndef CMPIHOST_PROVIDERS_REGISTRATIONFILE_H_
 #define CMPIHOST_PROVIDERS_REGISTRATIONFILE_H_

@@ -128,13 +128,9 @@ std::vector<const StaticInstance*> ClassRepository::staticInstances(
 
 void ClassRepository::addQualifier(const std::string& nameSpace, QualifierDecl decl) {
   Namespace& space = namespaceFor(nameSpace);
-  const auto found = space.qualifiers.find(decl.name);
-  if (found != space.qualifiers.end()) {
-    found->second = std::move(decl);
-  } else {
-    std::string key = decl.name;
-    space.qualifiers.emplace(std::move(key), std::move(decl));
-  }
+  // An existing declaration keeps its key's spelling.
+  std::string key = decl.name;
+  space.qualifiers.insert_or_assign(std::move(key), std::move(decl));
 }
 
 void ClassRepository::addClass(const std::string& nameSpace, std::unique_ptr<ClassDecl> decl) {

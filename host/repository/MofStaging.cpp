@@ -302,13 +302,9 @@ void MofStaging::addQualifierDecl(const std::string& file, RawQualifierDecl raw)
     decl.name = existing->name;
   }
   StagedNamespace& space = staged();
-  const auto found = space.qualifiers.find(decl.name);
-  if (found != space.qualifiers.end()) {
-    found->second = std::move(decl);
-  } else {
-    std::string key = decl.name;
-    space.qualifiers.emplace(std::move(key), std::move(decl));
-  }
+  // An existing declaration keeps its key's spelling.
+  std::string key = decl.name;
+  space.qualifiers.insert_or_assign(std::move(key), std::move(decl));
 }
 
 void MofStaging::addClass(const std::string& file, RawClass raw) {

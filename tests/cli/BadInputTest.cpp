@@ -35,6 +35,9 @@ void ExpectRefused(const BadInput& c) {
 }
 
 const char* const kWidget = R"(Cli_Widget.Name="w1")";
+// A link whose Widget key names a shelf.
+const char* const kLinkToShelfAsWidget =
+    R"(Cli_WidgetOnShelf.Shelf="Cli_Shelf.Id=\"s1\"",Widget="Cli_Shelf.Id=\"s2\"")";
 
 TEST(BadInputTest, UsageErrors) {
   const BadInput cases[] = {
@@ -131,12 +134,45 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
       {"reference argument that is no path",
        {"cm", kWidget, "Twice", "Peer=Cli_Widget.Name=\"w2"},
        "cmpihost: cm: argument Peer: ..."},
+      {"reference argument of an unknown class",
+       {"cm", kWidget, "Twice", "Peer=Cli_Widgt.Name=\"w2\""},
+       "cmpihost: cm: argument Peer: unknown class Cli_Widgt in namespace root/cimv2\n"},
+      {"reference argument of another namespace's class",
+       {"cm", kWidget, "Twice", "Peer=root/none:Cli_Widget.Name=\"w2\""},
+       "cmpihost: cm: argument Peer: unknown class Cli_Widget in namespace root/none\n"},
+      {"reference argument of an unrelated class",
+       {"cm", kWidget, "Twice", "Peer=Cli_Shelf.Id=\"s1\""},
+       "cmpihost: cm: argument Peer: class Cli_Shelf is neither Cli_Element (the declared "
+       "reference class) nor a subclass of it\n"},
+      {"reference key of an unrelated class",
+       {"ai", kLinkToShelfAsWidget},
+       "cmpihost: ai: key Widget: class Cli_Shelf is neither Cli_Widget (the declared reference "
+       "class) nor a subclass of it\n"},
+      {"reference key of an unknown class",
+       {"gi", R"(Cli_WidgetOnShelf.Shelf="Cli_Shelf.Id=\"s1\"",Widget="Nope.Name=\"w1\"")"},
+       "cmpihost: gi: key Widget: unknown class Nope in namespace root/cimv2\n"},
+      {"reference key that is no path",
+       {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.\""},
+       "cmpihost: gi: key Widget: path text 'Cli_Widget.': column 12: expected a key name\n"},
   };
   for (const BadInput& c : cases) {
     BadInput withProvider = c;
     withProvider.args = WithProvider(c.args);
     ExpectRefused(withProvider);
   }
+}
+
+TEST(BadInputTest, ReferencesOfTheDeclaredClassOrASubclassReachTheProvider) {
+  // Cli_Element is abstract and Peer's declared class; Cli_Widget derives from it.
+  const CommandResult subclass =
+      RunCmpihost(WithProvider({"cm", kWidget, "Twice", "Peer=root/cimv2:Cli_Widget.Name=\"w2\""}));
+  EXPECT_EQ(subclass.exitCode, 0) << subclass.err;
+  // Well-typed reference keys: the request is made (and fails, as nothing
+  // serves GetInstance of the association).
+  const CommandResult keys = RunCmpihost(WithProvider(
+      {"gi", R"(Cli_WidgetOnShelf.Shelf="Cli_Shelf.Id=\"s1\"",Widget="Cli_Widget.Name=\"w1\"")"}));
+  EXPECT_EQ(keys.exitCode, 1) << keys.err;
+  EXPECT_EQ(keys.err.rfind("cmpihost: GetInstance failed: ", 0), 0U) << keys.err;
 }
 
 TEST(BadInputTest, FilesThatDoNotLoad) {

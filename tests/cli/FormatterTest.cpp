@@ -6,7 +6,6 @@
 #include <limits>
 #include <string>
 
-#include "cli/CmpiNames.h"
 #include "cli/JsonFormatter.h"
 #include "cli/JsonWriter.h"
 #include "cli/TextFormatter.h"
@@ -140,16 +139,6 @@ TEST(TextFormatterTest, MethodResultsAndListsAreOneItemPerLine) {
   EXPECT_EQ(text.paths({"a", "b"}), "a\nb\n");
   EXPECT_EQ(text.echo(""), "\n");
   EXPECT_EQ(text.instances({}), "");
-}
-
-TEST(CmpiNamesTest, StatusAndTypeNames) {
-  EXPECT_STREQ(StatusName(CMPI_RC_ERR_FAILED), "CMPI_RC_ERR_FAILED");
-  EXPECT_STREQ(StatusName(CMPI_RC_ERR_METHOD_NOT_FOUND), "CMPI_RC_ERR_METHOD_NOT_FOUND");
-  EXPECT_STREQ(StatusName(static_cast<CMPIrc>(77)), "CMPI_RC_UNKNOWN");
-  EXPECT_EQ(TypeName(CMPI_sint64A), "sint64[]");
-  EXPECT_EQ(TypeName(CMPI_refA), "ref[]");
-  EXPECT_EQ(TypeName(CMPI_real32), "real32");
-  EXPECT_EQ(TypeName(CMPI_null), "null");
 }
 
 TEST(TraceLineTest, ShowsKindSeverityAndId) {

@@ -100,6 +100,25 @@ TEST(OutputTest, NamespaceOptionAppliesToMofClassesAndPaths) {
   const CommandResult elsewhere = RunCmpihost(with({"gi", "root/cimv2:Cli_Shelf.Id=\"s1\""}));
   EXPECT_EQ(elsewhere.exitCode, 2);
   EXPECT_EQ(elsewhere.err, "cmpihost: gi: unknown class Cli_Shelf in namespace root/cimv2\n");
+  // The host reads the text as typed, so its columns are the user's.
+  const CommandResult bare = RunCmpihost(with({"gi", "Cli_Shelf.Id=s1"}));
+  EXPECT_EQ(bare.exitCode, 2);
+  EXPECT_EQ(bare.err,
+            "cmpihost: gi: path text 'Cli_Shelf.Id=s1': column 14: key Id: 's1' must be written "
+            "in double quotes (the value is a string)\n");
+  const CommandResult bad = RunCmpihost({"--namespace", "root test", "ecn"});
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(bad.err,
+            "cmpihost: 'root test' is not a namespace (letters, digits, '_' and '/', not "
+            "empty)\n");
+}
+
+TEST(OutputTest, MofLoadsBeforeRegistrationFilesWhateverTheOptionOrder) {
+  const CommandResult result =
+      RunCmpihost({"--lib-dir", ProviderDir(), "--providers", DataFile("clitest.reg"), "--mof",
+                   DataFile("widgets.mof"), "ein", "Cli_Widget"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(result.out, "root/cimv2:Cli_Widget.Name=\"w1\"\nroot/cimv2:Cli_Widget.Name=\"w2\"\n");
 }
 
 TEST(OutputTest, ProviderInstancesMethodsAndTrace) {
@@ -122,7 +141,9 @@ TEST(OutputTest, ProviderInstancesMethodsAndTrace) {
 TEST(OutputTest, AssociationsAndTheirFilters) {
   const std::string widget = "Cli_Widget.Name=\"w1\"";
   ExpectSuccess(RunCmpihost(WithProvider({"ain", widget})), "root/cimv2:Cli_Shelf.Id=\"s1\"\n");
-  ExpectSuccess(RunCmpihost(WithProvider({"ain", widget, "--result-class", "Cli_Gadget"})), "");
+  ExpectSuccess(RunCmpihost(WithProvider({"ain", widget, "--assoc-class", "Cli_WidgetOnShelf",
+                                          "--result-class", "Cli_Gadget"})),
+                "");
   ExpectSuccess(RunCmpihost(WithProvider({"ai", widget, "--assoc-class=Cli_WidgetOnShelf"})),
                 "// root/cimv2:Cli_Shelf.Id=\"s1\"\n"
                 "instance of Cli_Shelf {\n"
@@ -144,6 +165,28 @@ TEST(OutputTest, AssociationsAndTheirFilters) {
                                 "\"root/cimv2:Cli_Widget.Name=\\\"w1\\\"\"}"),
             std::string::npos)
       << references.out;
+}
+
+TEST(OutputTest, AnEmptyAnswerWithoutAnAssociationClassGetsAHint) {
+  const std::string widget = "Cli_Widget.Name=\"w1\"";
+  const std::string hint =
+      "cmpihost: hint: the library's providers answer nothing when the request names no "
+      "association class; name one with --assoc-class\n";
+  for (const char* verb : {"ai", "ain"}) {
+    const CommandResult empty =
+        RunCmpihost(WithProvider({verb, widget, "--result-class", "Cli_Gadget"}));
+    EXPECT_EQ(empty.exitCode, 0) << verb;
+    EXPECT_EQ(empty.out, "") << verb;
+    EXPECT_EQ(empty.err, hint) << verb;
+  }
+  // Nothing to advise when something came back, or for references.
+  ExpectSuccess(RunCmpihost(WithProvider({"ain", widget})), "root/cimv2:Cli_Shelf.Id=\"s1\"\n");
+  ExpectSuccess(RunCmpihost(WithProvider({"rin", widget, "--role", "Shelf"})), "");
+  // A failed request gets its failure only.
+  const CommandResult failed = RunCmpihost(WithMof({"ain", widget}));
+  EXPECT_EQ(failed.exitCode, 1);
+  EXPECT_EQ(failed.err.rfind("cmpihost: AssociatorNames failed: ", 0), 0U) << failed.err;
+  EXPECT_EQ(failed.err.find("hint"), std::string::npos) << failed.err;
 }
 
 TEST(OutputTest, FailedRequestsExitOneWithTheStatus) {

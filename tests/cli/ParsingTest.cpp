@@ -121,21 +121,16 @@ TEST(PathHeadTest, FindsNamespaceAndClassBeforeTheKeys) {
   EXPECT_EQ(plain.nameSpace, "");
   EXPECT_EQ(plain.className, "Cli_Shelf");
   EXPECT_FALSE(plain.hasKeys);
-  EXPECT_EQ(WithNameSpace("Cli_Shelf", plain, "root/x"), "root/x:Cli_Shelf");
 
   const std::string colonInKey = "Cli_Shelf.Id=\"a:b\"";
   const PathHead keyed = ReadPathHead(colonInKey);
   EXPECT_EQ(keyed.nameSpace, "");
   EXPECT_TRUE(keyed.hasKeys);
-  EXPECT_EQ(WithNameSpace(colonInKey, keyed, "root/x"), "root/x:Cli_Shelf.Id=\"a:b\"");
 
   const std::string full = "//box/root/my.ns:Cli_Shelf.Id=\"s1\"";
   const PathHead hosted = ReadPathHead(full);
   EXPECT_EQ(hosted.nameSpace, "root/my.ns");
   EXPECT_EQ(hosted.className, "Cli_Shelf");
-  EXPECT_EQ(WithNameSpace(full, hosted, "root/x"), full);
-  EXPECT_EQ(WithNameSpace("//box/Cli_Shelf", ReadPathHead("//box/Cli_Shelf"), "root/x"),
-            "//box/root/x:Cli_Shelf");
 }
 
 TEST(PathHeadTest, MalformedHeadsNameTheColumn) {

@@ -79,6 +79,8 @@ TEST(ScriptTest, ABadLineStopsTheScriptNamingFileAndLine) {
        ":3: ecn: namespace root/none holds no classes\n"},
       {"echo before\nnamespace a b\n",
        ":2: namespace: unexpected argument \"b\" (usage: namespace NS)\n"},
+      {"echo before\nnamespace a:b\n",
+       ":2: 'a:b' is not a namespace (letters, digits, '_' and '/', not empty)\n"},
   };
   for (const auto& c : cases) {
     const std::string script = scratch.write("bad.cmpihost", c.text);
@@ -87,6 +89,63 @@ TEST(ScriptTest, ABadLineStopsTheScriptNamingFileAndLine) {
     EXPECT_EQ(result.out, "before\n") << c.text;
     EXPECT_EQ(result.err, "cmpihost: " + script + c.err);
   }
+}
+
+TEST(ScriptTest, ProvidersOfClassesNotYetLoadedAreRefused) {
+  ScratchDir scratch;
+  const std::string script =
+      scratch.write("order.cmpihost", "providers " + DataFile("clitest.reg") + "\nmof " +
+                                          DataFile("widgets.mof") + "\necho never\n");
+  const CommandResult result = RunCmpihost({"--lib-dir", ProviderDir(), "run", script});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "cmpihost: " + script + ":1: " + DataFile("clitest.reg") +
+                            ":2: class Cli_Widget is not declared in namespace root/cimv2 (load "
+                            "its MOF before the registration file)\n");
+}
+
+TEST(ScriptTest, SuccessiveInstanceListingsAreSeparatedByABlankLine) {
+  ScratchDir scratch;
+  const std::string script = scratch.write("listings.cmpihost",
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "ei Cli_Gadget\n"
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "ein Cli_Shelf\n"
+                                           "gi 'Cli_Shelf.Id=\"s2\"'\n"
+                                           "echo end\n");
+  const std::string shelf =
+      "// root/cimv2:Cli_Shelf.Id=\"s2\"\n"
+      "instance of Cli_Shelf {\n"
+      "    Id = \"s2\";\n"
+      "    Location = NULL;\n"
+      "    Height = NULL;\n"
+      "    Installed = NULL;\n"
+      "    Offset = NULL;\n"
+      "    Row = NULL;\n"
+      "    Levels = NULL;\n"
+      "};\n";
+  const CommandResult result = RunCmpihost(WithMof({"run", script}));
+  EXPECT_EQ(result.exitCode, 1) << result.err;  // nothing serves Cli_Gadget
+  // A failed request that printed nothing does not part two listings.
+  EXPECT_EQ(result.out, shelf + "\n" + shelf + "\n" + shelf +
+                            "root/cimv2:Cli_Shelf.Id=\"s1\"\nroot/cimv2:Cli_Shelf.Id=\"s2\"\n" +
+                            shelf + "end\n");
+  // JSON gives one text per line already.
+  const CommandResult json = RunCmpihost(WithMof({"--json", "run", script}));
+  EXPECT_EQ(json.out.find("\n\n"), std::string::npos) << json.out;
+}
+
+TEST(ScriptTest, HintsNameTheScriptLine) {
+  ScratchDir scratch;
+  const std::string script = scratch.write(
+      "hint.cmpihost", "echo x\nain 'Cli_Widget.Name=\"w1\"' --result-class Cli_Gadget\n");
+  const CommandResult result = RunCmpihost(WithProvider({"run", script}));
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "x\n");
+  EXPECT_EQ(result.err, "cmpihost: " + script +
+                            ":2: hint: the library's providers answer nothing when the request "
+                            "names no association class; name one with --assoc-class\n");
 }
 
 TEST(ScriptTest, DirectivesLoadRelativeToTheScriptAndSwitchNamespaces) {

@@ -114,6 +114,45 @@ TEST_F(BrokerTablesTest, UpcallsTheHostDoesNotOfferAnswerNotSupported) {
   EXPECT_EQ(broker_->bft->getProperty(broker_, context, op, "Note", nullptr).type, CMPI_null);
 }
 
+TEST_F(BrokerTablesTest, EveryReleaseRefusesANullHandleSayingWhatItWanted) {
+  const CMPIBrokerEncFT& eft = *broker_->eft;
+  CMPIInstance* keyed = instance("Test_Keyed");
+  CMPIObjectPath* objectPath = path("Test_Keyed");
+  CMPIArray* array = eft.newArray(broker_, 1, CMPI_uint8, nullptr);
+  CMPIDateTime* dateTime = eft.newDateTime(broker_, nullptr);
+  CMPIArgs* args = eft.newArgs(broker_, nullptr);
+  CMPIError* error = eft.newCMPIError(broker_, "o", "m", "x", ErrorSevLow, ErrorProbCauseUnknown,
+                                      CMPI_RC_ERR_FAILED, nullptr);
+  CMPISelectExp* query = eft.newSelectExp(broker_, "q", "WQL", nullptr, nullptr);
+  const struct {
+    const char* type;
+    CMPIStatus status;
+    const char* message;
+  } cases[] = {
+      {"instance", keyed->ft->release(nullptr),
+       "not an instance of this broker (null or foreign handle)"},
+      {"object path", objectPath->ft->release(nullptr),
+       "not an object path of this broker (null or foreign handle)"},
+      {"array", array->ft->release(nullptr),
+       "not an object of this broker (null or foreign handle)"},
+      {"date-time", dateTime->ft->release(nullptr),
+       "not an object of this broker (null or foreign handle)"},
+      {"args", args->ft->release(nullptr), "not an object of this broker (null or foreign handle)"},
+      {"error", error->ft->release(nullptr),
+       "not an error of this broker (null or foreign handle)"},
+      {"select expression", query->ft->release(nullptr), "not a select expression of this broker"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.status.rc, CMPI_RC_ERR_INVALID_HANDLE) << c.type;
+    EXPECT_EQ(Text(c.status.msg), c.message) << c.type;
+  }
+  // Released objects leave the scope at once.
+  const std::size_t live = scope_->liveObjects();
+  EXPECT_EQ(array->ft->release(array).rc, CMPI_RC_OK);
+  EXPECT_EQ(dateTime->ft->release(dateTime).rc, CMPI_RC_OK);
+  EXPECT_EQ(scope_->liveObjects(), live - 2);
+}
+
 TEST_F(BrokerTablesTest, NullAndForeignHandlesAreRefusedNotFollowed) {
   CMPIStatus rc;
   EXPECT_EQ(broker_->eft->newString(nullptr, "x", &rc), nullptr);

@@ -122,13 +122,13 @@ TEST_F(LibraryProviderTest, ARegistrationFileRegistersEachStanza) {
    location: testgeneric
    type: instance
 )");
+  host_.loadMof(HOST_TEST_MOF, "root/other");
   host_.loadRegistrationFile(file, {"/nonexistent", kProviderDir});
   const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Keyed");
   EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
   EXPECT_EQ(notes(reply), (std::vector<std::string>{"named", "named", "generic:TestGeneric",
                                                     "generic:TestGeneric"}));
   // The first stanza listed two namespaces: the same provider serves both.
-  host_.loadMof(HOST_TEST_MOF, "root/other");
   const Reply other = host_.enumerateInstances("root/other", "Test_Keyed");
   EXPECT_EQ(other.status.rc, CMPI_RC_OK);
   EXPECT_EQ(other.instances().at(0).path, R"(root/other:Test_Keyed.Flag=TRUE,Name="n1",Number=1)");
@@ -163,6 +163,21 @@ TEST_F(LibraryProviderTest, BadRegistrationFilesNameFileLineAndProblem) {
       {"[Test_Keyed]\n provider: TestNamed\n location: testnamed\n type: instance\n"
        "[Test_Static]\n provider: Missing\n location: nosuch\n type: instance\n",
        ":5: libnosuch.so of provider Missing is not in "},
+      // Classes must be loaded first, in every namespace the stanza names.
+      {"[Test_Keyed]\n provider: TestNamed\n location: testnamed\n type: instance\n"
+       "[Test_Nowhere]\n provider: TestNamed\n location: testnamed\n type: instance\n",
+       ":5: class Test_Nowhere is not declared in namespace root/cimv2 (load its MOF before the "
+       "registration file)"},
+      {"[Test_Keyed]\n provider: TestNamed\n location: testnamed\n type: instance\n"
+       " namespace: root/cimv2 root/other\n",
+       ":1: class Test_Keyed is not declared in namespace root/other (load its MOF before the "
+       "registration file)"},
+      // unload: takes only what the small-footprint CIMOM reads.
+      {"[Test_Keyed]\n provider: A\n location: testnamed\n type: instance\n unload: Never\n",
+       ":5: 'unload: Never' is not accepted (accepted: never; leave 'unload:' out to let the "
+       "CIMOM unload an idle provider)"},
+      {"[Test_Keyed]\n provider: A\n unload: 300\n", ":3: 'unload: 300' is not accepted"},
+      {"[Test_Keyed]\n provider: A\n unload:\n", ":3: 'unload:' has no value (accepted: never)"},
   };
   for (const auto& c : cases) {
     const std::string file = registrationFile(c.text);

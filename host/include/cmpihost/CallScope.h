@@ -32,13 +32,15 @@ class CallScope {
   CallScope(const CallScope&) = delete;
   CallScope& operator=(const CallScope&) = delete;
 
-  // The host's broker and a fresh context for namespace "root/cimv2".
+  // The host's broker and a fresh context for the host's default namespace
+  // (as it was when the scope opened).
   const CMPIBroker* broker() const;
   const CMPIContext* context() const;
 
   // An object path parsed from text such as
   // `//host/root/cimv2:CIM_Foo.Name="a",Count=5`; keys are typed from the
-  // class declaration (for an unknown class, from the literals). Null when
+  // class declaration (for an unknown class, from the literals); a text
+  // without a namespace is in the host's default namespace. Null when
   // the text does not parse; `problem`, when given, then says why.
   CMPIObjectPath* objectPath(const std::string& pathText, std::string* problem = nullptr);
   // A result that records every call made on it.

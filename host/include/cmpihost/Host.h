@@ -72,14 +72,25 @@ class Host {
                                const std::string& libraryPath);
   // Reads a registration file in the small-footprint CIMOM's stanza format
   // and registers each stanza; libraries are looked up as lib<location>.so in
-  // `libraryDirs`. Throws HostError naming file, line and problem.
+  // `libraryDirs`. Every stanza's class must be loaded already in each of its
+  // namespaces. Throws HostError naming file, line and problem; a file with
+  // any error registers nothing.
   void loadRegistrationFile(const std::string& path, const std::vector<std::string>& libraryDirs);
   // Creates every registered MI that has not been created yet; throws
   // HostError naming the provider, the kind and why it was refused.
   void activateProviders();
 
+  // --- default namespace ---
+  // The namespace of path texts that name none (requests, reference values,
+  // CallScope::objectPath), of requests with an empty namespace and of the
+  // context CallScope gives; "root/cimv2" unless set. Set it while no other
+  // thread makes requests, as when loading. Throws HostError when `nameSpace`
+  // is empty or holds characters other than letters, digits, '_' and '/'.
+  void setDefaultNameSpace(const std::string& nameSpace);
+  const std::string& defaultNameSpace() const;
+
   // --- requests (paths: `[//host/][namespace:]Class[.key=value,...]`;
-  //     the namespace defaults to root/cimv2) ---
+  //     the namespace defaults to defaultNameSpace()) ---
   Reply enumerateInstanceNames(const std::string& nameSpace, const std::string& className);
   Reply enumerateInstances(const std::string& nameSpace, const std::string& className,
                            const std::vector<std::string>* properties = nullptr);

@@ -1,9 +1,9 @@
-#include "cli/CmpiNames.h"
+#include "cmpihost/CmpiNames.h"
 
 #include <array>
 #include <utility>
 
-namespace cmpihost::cli {
+namespace cmpihost {
 namespace {
 
 constexpr std::array<std::pair<CMPIrc, const char*>, 24> kStatusNames{{
@@ -33,7 +33,8 @@ constexpr std::array<std::pair<CMPIrc, const char*>, 24> kStatusNames{{
     {CMPI_RC_ERROR, "CMPI_RC_ERROR"},
 }};
 
-constexpr std::array<std::pair<CMPIType, const char*>, 18> kTypeNames{{
+constexpr std::array<std::pair<CMPIType, const char*>, 24> kTypeNames{{
+    {CMPI_null, "null"},
     {CMPI_boolean, "boolean"},
     {CMPI_char16, "char16"},
     {CMPI_real32, "real32"},
@@ -46,17 +47,34 @@ constexpr std::array<std::pair<CMPIType, const char*>, 18> kTypeNames{{
     {CMPI_sint16, "sint16"},
     {CMPI_sint32, "sint32"},
     {CMPI_sint64, "sint64"},
-    {CMPI_string, "string"},
-    {CMPI_chars, "string"},
-    {CMPI_dateTime, "datetime"},
-    {CMPI_ref, "ref"},
     {CMPI_instance, "instance"},
-    {CMPI_null, "null"},
+    {CMPI_ref, "ref"},
+    {CMPI_args, "args"},
+    {CMPI_class, "class"},
+    {CMPI_filter, "filter"},
+    {CMPI_enumeration, "enumeration"},
+    {CMPI_string, "string"},
+    {CMPI_chars, "chars"},
+    {CMPI_dateTime, "datetime"},
+    {CMPI_ptr, "ptr"},
+    {CMPI_charsptr, "charsptr"},
 }};
 
 }  // namespace
 
-const char* StatusName(CMPIrc rc) {
+std::string CmpiTypeName(CMPIType type) {
+  const auto element = static_cast<CMPIType>(type & ~CMPI_ARRAY);
+  std::string name = "type " + std::to_string(element);
+  for (const auto& [code, text] : kTypeNames) {
+    if (code == element) {
+      name = text;
+      break;
+    }
+  }
+  return (type & CMPI_ARRAY) != 0 ? name + "[]" : name;
+}
+
+const char* CmpiStatusName(CMPIrc rc) {
   for (const auto& [code, name] : kStatusNames) {
     if (code == rc) {
       return name;
@@ -65,17 +83,4 @@ const char* StatusName(CMPIrc rc) {
   return "CMPI_RC_UNKNOWN";
 }
 
-std::string TypeName(CMPIType type) {
-  const bool array = (type & CMPI_ARRAY) != 0;
-  const auto element = static_cast<CMPIType>(type & ~CMPI_ARRAY);
-  std::string name = "unknown";
-  for (const auto& [code, text] : kTypeNames) {
-    if (code == element) {
-      name = text;
-      break;
-    }
-  }
-  return array ? name + "[]" : name;
-}
-
-}  // namespace cmpihost::cli
+}  // namespace cmpihost
