@@ -152,8 +152,11 @@ struct _CMPIBrokerExtFT {
 
   char* (*resolveFileName)(const char* fileName);
 
-  CMPI_THREAD_TYPE (*newThread)
-  (CMPI_THREAD_RETURN(CMPI_THREAD_CDECL* start)(void*), void* parm, int detached);
+  // The formatter takes the macro-named return type for a call.
+  // clang-format off
+  CMPI_THREAD_TYPE (*newThread)(CMPI_THREAD_RETURN(CMPI_THREAD_CDECL* start)(void*), void* parm,
+                                int detached);
+  // clang-format on
   int (*joinThread)(CMPI_THREAD_TYPE thread, CMPI_THREAD_RETURN* retval);
   int (*exitThread)(CMPI_THREAD_RETURN return_code);
   int (*cancelThread)(CMPI_THREAD_TYPE thread);
