@@ -9,6 +9,10 @@
 #include <cmpift.h>
 #include <cmpimacs.h>
 
+/* The MI functions only answer their own names: their parameters are there
+ * for the table's signature, not for use. */
+#pragma GCC diagnostic ignored "-Wunused-parameter"
+
 static const CMPIBroker* sampleBroker;
 static int sampleHookRuns;
 
@@ -22,8 +26,6 @@ CMPI_EXTERN_C int SampleProvider_HookRuns(void) {
 
 static CMPIData sampleAccessor(const char* name, void* parm) {
   CMPIData data;
-  (void)name;
-  (void)parm;
   data.type = CMPI_null;
   data.state = CMPI_nullValue;
   data.value.uint64 = 0;
@@ -228,13 +230,19 @@ static CMPIrc sampleUseEveryMacro(const CMPIBroker* b, const CMPIContext* c, con
  * put there. The cleanups answer by return code only.
  */
 #define SAMPLE_ANSWER(operation) CMReturnWithChars(sampleBroker, CMPI_RC_OK, operation)
+#define SAMPLE_OP(operation, ...)                    \
+  static CMPIStatus Sample##operation(__VA_ARGS__) { \
+    SAMPLE_ANSWER(#operation);                       \
+  }
+#define SAMPLE_CLEANUP(name, MI)                                                            \
+  static CMPIStatus Sample##name(MI* mi, const CMPIContext* ctx, CMPIBoolean terminating) { \
+    CMReturn(CMPI_RC_OK);                                                                   \
+  }
 
 /* ---- Instance MI --------------------------------------------------------- */
 
 static CMPIStatus SampleCleanup(CMPIInstanceMI* mi, const CMPIContext* ctx,
                                 CMPIBoolean terminating) {
-  (void)mi;
-  (void)ctx;
   /* An if/else without braces around the statement macros must compile. */
   if (terminating)
     CMReturn(CMPI_RC_OK);
@@ -242,166 +250,55 @@ static CMPIStatus SampleCleanup(CMPIInstanceMI* mi, const CMPIContext* ctx,
     CMReturn(CMPI_RC_DO_NOT_UNLOAD);
 }
 
-static CMPIStatus SampleEnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                          const CMPIResult* rslt, const CMPIObjectPath* ref) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)ref;
-  SAMPLE_ANSWER("EnumInstanceNames");
-}
+SAMPLE_OP(EnumInstanceNames, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* ref)
 
-static CMPIStatus SampleEnumInstances(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                      const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                      const char** properties) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)ref;
-  (void)properties;
-  SAMPLE_ANSWER("EnumInstances");
-}
+SAMPLE_OP(EnumInstances, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* ref, const char** properties)
 
-static CMPIStatus SampleGetInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                    const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                    const char** properties) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)ref;
-  (void)properties;
-  SAMPLE_ANSWER("GetInstance");
-}
+SAMPLE_OP(GetInstance, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* ref, const char** properties)
 
-static CMPIStatus SampleCreateInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                       const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                       const CMPIInstance* inst) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)ref;
-  (void)inst;
-  SAMPLE_ANSWER("CreateInstance");
-}
+SAMPLE_OP(CreateInstance, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* ref, const CMPIInstance* inst)
 
-static CMPIStatus SampleModifyInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                       const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                       const CMPIInstance* inst, const char** properties) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)ref;
-  (void)inst;
-  (void)properties;
-  SAMPLE_ANSWER("ModifyInstance");
-}
+SAMPLE_OP(ModifyInstance, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* ref, const CMPIInstance* inst, const char** properties)
 
-static CMPIStatus SampleDeleteInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                       const CMPIResult* rslt, const CMPIObjectPath* ref) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)ref;
-  SAMPLE_ANSWER("DeleteInstance");
-}
+SAMPLE_OP(DeleteInstance, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* ref)
 
-static CMPIStatus SampleExecQuery(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                  const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                  const char* query, const char* lang) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)ref;
-  (void)query;
-  (void)lang;
-  SAMPLE_ANSWER("ExecQuery");
-}
+SAMPLE_OP(ExecQuery, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* ref, const char* query, const char* lang)
 
 /* ---- Association MI ------------------------------------------------------ */
 
-static CMPIStatus SampleAssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                           CMPIBoolean terminating) {
-  (void)mi;
-  (void)ctx;
-  (void)terminating;
-  CMReturn(CMPI_RC_OK);
-}
+SAMPLE_CLEANUP(AssociationCleanup, CMPIAssociationMI)
 
-static CMPIStatus SampleAssociators(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                    const CMPIResult* rslt, const CMPIObjectPath* op,
-                                    const char* assocClass, const char* resultClass,
-                                    const char* role, const char* resultRole,
-                                    const char** properties) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)op;
-  (void)assocClass;
-  (void)resultClass;
-  (void)role;
-  (void)resultRole;
-  (void)properties;
-  SAMPLE_ANSWER("Associators");
-}
+SAMPLE_OP(Associators, CMPIAssociationMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* op, const char* assocClass, const char* resultClass,
+          const char* role, const char* resultRole, const char** properties)
 
-static CMPIStatus SampleAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                        const CMPIResult* rslt, const CMPIObjectPath* op,
-                                        const char* assocClass, const char* resultClass,
-                                        const char* role, const char* resultRole) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)op;
-  (void)assocClass;
-  (void)resultClass;
-  (void)role;
-  (void)resultRole;
-  SAMPLE_ANSWER("AssociatorNames");
-}
+SAMPLE_OP(AssociatorNames, CMPIAssociationMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* op, const char* assocClass, const char* resultClass,
+          const char* role, const char* resultRole)
 
-static CMPIStatus SampleReferences(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                   const CMPIResult* rslt, const CMPIObjectPath* op,
-                                   const char* resultClass, const char* role,
-                                   const char** properties) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)op;
-  (void)resultClass;
-  (void)role;
-  (void)properties;
-  SAMPLE_ANSWER("References");
-}
+SAMPLE_OP(References, CMPIAssociationMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* op, const char* resultClass, const char* role,
+          const char** properties)
 
-static CMPIStatus SampleReferenceNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                       const CMPIResult* rslt, const CMPIObjectPath* op,
-                                       const char* resultClass, const char* role) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)op;
-  (void)resultClass;
-  (void)role;
-  SAMPLE_ANSWER("ReferenceNames");
-}
+SAMPLE_OP(ReferenceNames, CMPIAssociationMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* op, const char* resultClass, const char* role)
 
 /* ---- Method MI ----------------------------------------------------------- */
 
-static CMPIStatus SampleMethodCleanup(CMPIMethodMI* mi, const CMPIContext* ctx,
-                                      CMPIBoolean terminating) {
-  (void)mi;
-  (void)ctx;
-  (void)terminating;
-  CMReturn(CMPI_RC_OK);
-}
+SAMPLE_CLEANUP(MethodCleanup, CMPIMethodMI)
 
 /* Answers 42 as the method's return value, and the method's name as message. */
 static CMPIStatus SampleInvokeMethod(CMPIMethodMI* mi, const CMPIContext* ctx,
                                      const CMPIResult* rslt, const CMPIObjectPath* ref,
                                      const char* method, const CMPIArgs* in, CMPIArgs* out) {
   CMPIValue answer;
-  (void)mi;
-  (void)in;
   if (method[0] == 'u') { /* "useEveryMacro": never called, see above */
     CMReturn(sampleUseEveryMacro(sampleBroker, ctx, rslt, ref, NULL, out, NULL, NULL));
   }
@@ -413,121 +310,44 @@ static CMPIStatus SampleInvokeMethod(CMPIMethodMI* mi, const CMPIContext* ctx,
 
 /* ---- Property MI --------------------------------------------------------- */
 
-static CMPIStatus SamplePropertyCleanup(CMPIPropertyMI* mi, const CMPIContext* ctx,
-                                        CMPIBoolean terminating) {
-  (void)mi;
-  (void)ctx;
-  (void)terminating;
-  CMReturn(CMPI_RC_OK);
-}
+SAMPLE_CLEANUP(PropertyCleanup, CMPIPropertyMI)
 
 static CMPIStatus SampleSetProperty(CMPIPropertyMI* mi, const CMPIContext* ctx,
                                     const CMPIResult* rslt, const CMPIObjectPath* op,
                                     const char* name, const CMPIData data) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)op;
-  (void)name;
   if (CMIsNullValue(data)) {
     CMReturnWithChars(sampleBroker, CMPI_RC_ERR_INVALID_PARAMETER, "SetProperty");
   }
   SAMPLE_ANSWER("SetProperty");
 }
 
-static CMPIStatus SampleGetProperty(CMPIPropertyMI* mi, const CMPIContext* ctx,
-                                    const CMPIResult* rslt, const CMPIObjectPath* op,
-                                    const char* name) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)op;
-  (void)name;
-  SAMPLE_ANSWER("GetProperty");
-}
+SAMPLE_OP(GetProperty, CMPIPropertyMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          const CMPIObjectPath* op, const char* name)
 
-static CMPIStatus SampleSetPropertyWithOrigin(CMPIPropertyMI* mi, const CMPIContext* ctx,
-                                              const CMPIResult* rslt, CMPIObjectPath* op,
-                                              const char* name, const CMPIData data,
-                                              const char* origin) {
-  (void)mi;
-  (void)ctx;
-  (void)rslt;
-  (void)op;
-  (void)name;
-  (void)data;
-  (void)origin;
-  SAMPLE_ANSWER("SetPropertyWithOrigin");
-}
+SAMPLE_OP(SetPropertyWithOrigin, CMPIPropertyMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+          CMPIObjectPath* op, const char* name, const CMPIData data, const char* origin)
 
 /* ---- Indication MI ------------------------------------------------------- */
 
-static CMPIStatus SampleIndicationCleanup(CMPIIndicationMI* mi, const CMPIContext* ctx,
-                                          CMPIBoolean terminating) {
-  (void)mi;
-  (void)ctx;
-  (void)terminating;
-  CMReturn(CMPI_RC_OK);
-}
+SAMPLE_CLEANUP(IndicationCleanup, CMPIIndicationMI)
 
-static CMPIStatus SampleAuthorizeFilter(CMPIIndicationMI* mi, const CMPIContext* ctx,
-                                        const CMPISelectExp* filter, const char* className,
-                                        const CMPIObjectPath* op, const char* owner) {
-  (void)mi;
-  (void)ctx;
-  (void)filter;
-  (void)className;
-  (void)op;
-  (void)owner;
-  SAMPLE_ANSWER("AuthorizeFilter");
-}
+SAMPLE_OP(AuthorizeFilter, CMPIIndicationMI* mi, const CMPIContext* ctx,
+          const CMPISelectExp* filter, const char* className, const CMPIObjectPath* op,
+          const char* owner)
 
-static CMPIStatus SampleMustPoll(CMPIIndicationMI* mi, const CMPIContext* ctx,
-                                 const CMPISelectExp* filter, const char* className,
-                                 const CMPIObjectPath* op) {
-  (void)mi;
-  (void)ctx;
-  (void)filter;
-  (void)className;
-  (void)op;
-  SAMPLE_ANSWER("MustPoll");
-}
+SAMPLE_OP(MustPoll, CMPIIndicationMI* mi, const CMPIContext* ctx, const CMPISelectExp* filter,
+          const char* className, const CMPIObjectPath* op)
 
-static CMPIStatus SampleActivateFilter(CMPIIndicationMI* mi, const CMPIContext* ctx,
-                                       const CMPISelectExp* filter, const char* className,
-                                       const CMPIObjectPath* op, CMPIBoolean first) {
-  (void)mi;
-  (void)ctx;
-  (void)filter;
-  (void)className;
-  (void)op;
-  (void)first;
-  SAMPLE_ANSWER("ActivateFilter");
-}
+SAMPLE_OP(ActivateFilter, CMPIIndicationMI* mi, const CMPIContext* ctx, const CMPISelectExp* filter,
+          const char* className, const CMPIObjectPath* op, CMPIBoolean first)
 
-static CMPIStatus SampleDeActivateFilter(CMPIIndicationMI* mi, const CMPIContext* ctx,
-                                         const CMPISelectExp* filter, const char* className,
-                                         const CMPIObjectPath* op, CMPIBoolean last) {
-  (void)mi;
-  (void)ctx;
-  (void)filter;
-  (void)className;
-  (void)op;
-  (void)last;
-  SAMPLE_ANSWER("DeActivateFilter");
-}
+SAMPLE_OP(DeActivateFilter, CMPIIndicationMI* mi, const CMPIContext* ctx,
+          const CMPISelectExp* filter, const char* className, const CMPIObjectPath* op,
+          CMPIBoolean last)
 
-static CMPIStatus SampleEnableIndications(CMPIIndicationMI* mi, const CMPIContext* ctx) {
-  (void)mi;
-  (void)ctx;
-  SAMPLE_ANSWER("EnableIndications");
-}
+SAMPLE_OP(EnableIndications, CMPIIndicationMI* mi, const CMPIContext* ctx)
 
-static CMPIStatus SampleDisableIndications(CMPIIndicationMI* mi, const CMPIContext* ctx) {
-  (void)mi;
-  (void)ctx;
-  SAMPLE_ANSWER("DisableIndications");
-}
+SAMPLE_OP(DisableIndications, CMPIIndicationMI* mi, const CMPIContext* ctx)
 
 /* ---- Factories ----------------------------------------------------------- */
 

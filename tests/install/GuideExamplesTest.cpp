@@ -56,17 +56,6 @@ TEST_F(GuideExamplesTest, ValueTextsAreReadByTheDeclaredType) {
   EXPECT_EQ(built.find("TimeOfLastStateChange"), nullptr);
 }
 
-TEST_F(GuideExamplesTest, TheDefaultCoverageTextReadsAsTheCodeOfItsFirstCharacter) {
-  const cmpihost::CallScope scope(host_);
-  NQENDRA20::DiagServiceSettingData setting("TINY_DiagSetting");
-  setting["InstanceID"] = "TINY:Setting:Default";
-  const cmpihost::InstanceSnapshot built =
-      scope.snapshot(NQENDRA20::InstanceBuilder(NQENDRA20::cimNameSpace)
-                         .build(scope.broker(), scope.context(), "TINY_DiagSetting", setting));
-  EXPECT_EQ(setting["PercentOfTestCoverage"], "45");
-  EXPECT_EQ(built.find("PercentOfTestCoverage")->toMof(), "52");  // '4'
-}
-
 TEST_F(GuideExamplesTest, APluginLinkedIntoTheTestIsRegisteredInProcess) {
   cmpihost::ProviderRegistration registration;
   registration.providerName = "TinyDiag";

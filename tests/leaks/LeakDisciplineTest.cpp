@@ -123,10 +123,4 @@ TEST_F(LeakDisciplineTest, AnyOtherLeakFailsTheRunAndIsReportedAlone) {
   }
 }
 
-TEST_F(LeakDisciplineTest, TheProbeRefusesAnUnknownCase) {
-  const ProbeRun run = RunProbe("no-such-case");
-  EXPECT_EQ(run.exitCode, 2);
-  EXPECT_NE(run.report.find("usage: leak_probe"), std::string::npos);
-}
-
 }  // namespace

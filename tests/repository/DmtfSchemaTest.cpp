@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "RepositoryTestSupport.h"
 #include "repository/MofReader.h"
 
 namespace cmpihost {
@@ -55,111 +56,80 @@ TEST_F(DmtfSchemaTest, LoadsEveryClassWithQualifiers) {
   EXPECT_TRUE(repository_->findQualifier(kNamespace, "ValueMap")->type.isArray);
 }
 
-TEST_F(DmtfSchemaTest, DiagnosticServiceDescendsFromManagedElement) {
+TEST_F(DmtfSchemaTest, DiagnosticClassesKeepInheritanceKeysTypesAndParameters) {
   std::vector<std::string> chain;
   for (const ClassDecl* decl = &classNamed("cim_diagnosticservice"); decl != nullptr;
-       decl = decl->superName().empty() ? nullptr
-                                        : repository_->findClass(kNamespace, decl->superName())) {
+       decl = repository_->findClass(kNamespace, decl->superName())) {
     chain.push_back(decl->name());
   }
   EXPECT_EQ(chain, (std::vector<std::string>{"CIM_DiagnosticService", "CIM_Service",
                                              "CIM_EnabledLogicalElement", "CIM_LogicalElement",
                                              "CIM_ManagedSystemElement", "CIM_ManagedElement"}));
-  EXPECT_TRUE(repository_->isA(kNamespace, "CIM_DiagnosticService", "CIM_ManagedElement"));
   EXPECT_TRUE(classNamed("CIM_DiagnosticService").isAbstract());
-
-  const std::vector<const ClassDecl*> services =
-      repository_->classAndSubclasses(kNamespace, "CIM_Service");
-  ASSERT_FALSE(services.empty());
-  EXPECT_EQ(services.front()->name(), "CIM_Service");
-  for (const ClassDecl* decl : services) {
-    EXPECT_TRUE(repository_->isA(kNamespace, decl->name(), "CIM_Service")) << decl->name();
+  for (const ClassDecl* decl : repository_->classAndSubclasses(kNamespace, "CIM_Service")) {
+    EXPECT_TRUE(repository_->isA(kNamespace, decl->name(), "CIM_ManagedElement")) << decl->name();
   }
-}
 
-TEST_F(DmtfSchemaTest, ServiceKeysKeepTheirPositionsAndInheritance) {
-  for (const char* name : {"CIM_Service", "CIM_DiagnosticService"}) {
-    SCOPED_TRACE(name);
-    std::vector<std::string> keys;
-    for (const PropertyDecl* key : classNamed(name).keyProperties()) {
-      keys.push_back(key->name);
-      EXPECT_EQ(key->type.type, CimType::kString);
-    }
-    // Name overrides CIM_ManagedSystemElement's and keeps its place there.
-    EXPECT_EQ(keys, (std::vector<std::string>{"Name", "SystemCreationClassName", "SystemName",
-                                              "CreationClassName"}));
+  // Name overrides CIM_ManagedSystemElement's (not a key there) and keeps
+  // its place; inherited defaults and methods come along.
+  std::vector<std::string> keys;
+  for (const PropertyDecl* key : classNamed("CIM_DiagnosticService").keyProperties()) {
+    keys.push_back(key->name + ": " + testing::Show(key->type) + " from " + key->classOrigin);
   }
-  const PropertyDecl* name = classNamed("CIM_Service").findProperty("Name");
-  EXPECT_EQ(name->classOrigin, "CIM_ManagedSystemElement");
+  EXPECT_EQ(keys, (std::vector<std::string>{"Name: string from CIM_ManagedSystemElement",
+                                            "SystemCreationClassName: string from CIM_Service",
+                                            "SystemName: string from CIM_Service",
+                                            "CreationClassName: string from CIM_Service"}));
   EXPECT_FALSE(classNamed("CIM_ManagedSystemElement").findProperty("Name")->isKey);
-  // Inherited defaults come along.
-  const PropertyDecl* enabled = classNamed("CIM_DiagnosticService").findProperty("EnabledState");
-  EXPECT_EQ(enabled->defaultValue.integer, 5u);
-}
+  EXPECT_EQ(
+      testing::Show(classNamed("CIM_DiagnosticService").findProperty("EnabledState")->defaultValue),
+      "5");
+  EXPECT_EQ(classNamed("CIM_DiagnosticService").findMethod("RequestStateChange")->classOrigin,
+            "CIM_EnabledLogicalElement");
 
-TEST_F(DmtfSchemaTest, DiagnosticSettingDataHasItsDeclaredTypes) {
-  const ClassDecl& decl = classNamed("CIM_DiagnosticSettingData");
-  struct Expected {
-    const char* name;
-    CimType type;
-    bool isArray;
+  const std::vector<std::string> expected = {
+      "CIM_DiagnosticSettingData.InstanceID: string key",
+      "CIM_DiagnosticSettingData.HaltOnError: boolean",
+      "CIM_DiagnosticSettingData.PercentOfTestCoverage: uint8",
+      "CIM_DiagnosticSettingData.LoopControlParameter: string[]",
+      "CIM_DiagnosticSettingData.LoopControl: uint16[]",
+      "CIM_DiagnosticSettingData.ResultPersistence: uint32",
+      "CIM_DiagnosticSettingData.NonDestructive: boolean = false",
+      "CIM_ServiceAffectsElement.AffectedElement: CIM_ManagedElement REF key",
+      "CIM_ServiceAffectsElement.AffectingElement: CIM_Service REF key",
   };
-  for (const Expected& expected : {
-           Expected{"InstanceID", CimType::kString, false},
-           Expected{"HaltOnError", CimType::kBoolean, false},
-           Expected{"PercentOfTestCoverage", CimType::kUint8, false},
-           Expected{"LoopControlParameter", CimType::kString, true},
-           Expected{"LoopControl", CimType::kUint16, true},
-           Expected{"ResultPersistence", CimType::kUint32, false},
-           Expected{"QueryTimeout", CimType::kUint32, false},
-       }) {
-    SCOPED_TRACE(expected.name);
-    const PropertyDecl* property = decl.findProperty(expected.name);
-    ASSERT_NE(property, nullptr);
-    EXPECT_EQ(property->type.type, expected.type);
-    EXPECT_EQ(property->type.isArray, expected.isArray);
+  for (const std::string& line : expected) {
+    const std::string className = line.substr(0, line.find('.'));
+    const std::string name =
+        line.substr(className.size() + 1, line.find(':') - className.size() - 1);
+    const PropertyDecl* property = classNamed(className.c_str()).findProperty(name);
+    ASSERT_NE(property, nullptr) << line;
+    EXPECT_EQ(className + "." + property->name + ": " + testing::Show(property->type) +
+                  (property->isKey ? " key" : "") +
+                  (property->defaultValue.kind == MofValue::Kind::kNull
+                       ? ""
+                       : " = " + testing::Show(property->defaultValue)),
+              line);
   }
-  EXPECT_TRUE(decl.findProperty("InstanceID")->isKey);
-  EXPECT_EQ(decl.findProperty("NonDestructive")->defaultValue.kind, MofValue::Kind::kBoolean);
-  EXPECT_FALSE(decl.findProperty("NonDestructive")->defaultValue.boolean);
-}
-
-TEST_F(DmtfSchemaTest, AssociationsDeclareKeyReferences) {
-  const ClassDecl& decl = classNamed("CIM_ServiceAffectsElement");
-  EXPECT_TRUE(decl.isAssociation());
-  const PropertyDecl* affected = decl.findProperty("AffectedElement");
-  ASSERT_NE(affected, nullptr);
-  EXPECT_EQ(affected->type.type, CimType::kReference);
-  EXPECT_EQ(affected->type.refClass, "CIM_ManagedElement");
-  EXPECT_TRUE(affected->isKey);
-  EXPECT_EQ(decl.findProperty("AffectingElement")->type.refClass, "CIM_Service");
   // A subclass of an association is one without saying so again.
-  for (const ClassDecl* sub : repository_->classAndSubclasses(kNamespace, decl.name())) {
+  EXPECT_TRUE(classNamed("CIM_ServiceAffectsElement").isAssociation());
+  for (const ClassDecl* sub :
+       repository_->classAndSubclasses(kNamespace, "CIM_ServiceAffectsElement")) {
     EXPECT_TRUE(sub->isAssociation()) << sub->name();
   }
-}
 
-TEST_F(DmtfSchemaTest, RunDiagnosticTakesReferencesInAndJobOut) {
   const MethodDecl* run = classNamed("CIM_DiagnosticService").findMethod("RunDiagnostic");
   ASSERT_NE(run, nullptr);
-  EXPECT_EQ(run->returnType.type, CimType::kUint32);
-  ASSERT_EQ(run->parameters.size(), 4u);
-  const char* names[] = {"ManagedElement", "DiagSetting", "JobSetting", "Job"};
-  const char* targets[] = {"CIM_ManagedElement", "CIM_DiagnosticSetting", "CIM_JobSettingData",
-                           "CIM_ConcreteJob"};
-  for (std::size_t i = 0; i < 4; ++i) {
-    SCOPED_TRACE(names[i]);
-    EXPECT_EQ(run->parameters[i].name, names[i]);
-    EXPECT_EQ(run->parameters[i].type.type, CimType::kReference);
-    EXPECT_EQ(run->parameters[i].type.refClass, targets[i]);
+  std::vector<std::string> parameters{testing::Show(run->returnType)};
+  for (const ParameterDecl& parameter : run->parameters) {
+    parameters.push_back(parameter.name + ": " + testing::Show(parameter.type) +
+                         (parameter.isIn ? " in" : "") + (parameter.isOut ? " out" : ""));
   }
-  EXPECT_TRUE(run->parameters[0].isIn);
-  EXPECT_FALSE(run->parameters[0].isOut);
-  EXPECT_FALSE(run->parameters[3].isIn);
-  EXPECT_TRUE(run->parameters[3].isOut);
-  // Inherited methods come first: RequestStateChange is CIM_EnabledLogicalElement's.
-  const ClassDecl& service = classNamed("CIM_DiagnosticService");
-  EXPECT_EQ(service.findMethod("RequestStateChange")->classOrigin, "CIM_EnabledLogicalElement");
+  EXPECT_EQ(parameters,
+            (std::vector<std::string>{"uint32", "ManagedElement: CIM_ManagedElement REF in",
+                                      "DiagSetting: CIM_DiagnosticSetting REF in",
+                                      "JobSetting: CIM_JobSettingData REF in",
+                                      "Job: CIM_ConcreteJob REF out"}));
 }
 
 }  // namespace

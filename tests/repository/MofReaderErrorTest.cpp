@@ -200,21 +200,6 @@ TEST(MofReaderErrorTest, EachBadInputNamesItsPlaceAndProblemAndChangesNothing) {
   }
 }
 
-TEST(MofReaderErrorTest, LoadingTheSameTextTwiceFailsOnTheFirstRepeatedClass) {
-  ClassRepository repository;
-  MofReader reader(repository, kNamespace);
-  reader.loadText(Base(), "base.mof");
-  try {
-    reader.loadText(Base(), "again.mof");
-    FAIL() << "loaded twice";
-  } catch (const MofError& error) {
-    EXPECT_EQ(error.line(), 17u);  // after the 15 lines of qualifier declarations
-    EXPECT_EQ(error.problem(),
-              "class \"Test_Element\" is already defined in namespace \"root/test\"");
-  }
-  EXPECT_EQ(repository.classes(kNamespace).size(), 3u);
-}
-
 TEST(MofReaderErrorTest, HostileInputEndsInAnErrorNotAHangOrCrash) {
   const std::vector<std::string> inputs = {
       std::string("class A { string S = \"\0\"; };", 27),

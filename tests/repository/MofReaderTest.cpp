@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "RepositoryTestSupport.h"
 #include "repository/MofReader.h"
@@ -11,7 +13,9 @@ namespace cmpihost {
 namespace {
 
 constexpr const char* kNamespace = "root/test";
-using Kind = MofValue::Kind;
+using testing::Lines;
+using testing::Show;
+using Strings = std::vector<std::string>;
 
 class MofReaderTest : public ::testing::Test {
  protected:
@@ -19,27 +23,15 @@ class MofReaderTest : public ::testing::Test {
 
   const ClassDecl& load(const std::string& text, const std::string& className) {
     reader_.loadText(text, "test.mof");
+    return classNamed(className);
+  }
+
+  const ClassDecl& classNamed(const std::string& className) const {
     const ClassDecl* decl = repository_.findClass(kNamespace, className);
     if (decl == nullptr) {
       throw std::runtime_error("no class " + className);
     }
     return *decl;
-  }
-
-  static const MofValue& defaultOf(const ClassDecl& decl, const char* property) {
-    const PropertyDecl* found = decl.findProperty(property);
-    if (found == nullptr) {
-      throw std::runtime_error(std::string("no property ") + property);
-    }
-    return found->defaultValue;
-  }
-
-  static std::vector<std::string> propertyNames(const ClassDecl& decl) {
-    std::vector<std::string> names;
-    for (const PropertyDecl& property : decl.properties()) {
-      names.push_back(property.name);
-    }
-    return names;
   }
 
   ClassRepository repository_;
@@ -73,48 +65,38 @@ TEST_F(MofReaderTest, LiteralsOfEveryKindAreDecodedAndTyped) {
       string NoValues[] = {};
     };)",
                                "Test_Literals");
-  EXPECT_EQ(defaultOf(decl, "B").kind, Kind::kBoolean);
-  EXPECT_TRUE(defaultOf(decl, "B").boolean);
-  EXPECT_FALSE(defaultOf(decl, "F").boolean);
-  EXPECT_EQ(defaultOf(decl, "S").kind, Kind::kString);
-  EXPECT_EQ(defaultOf(decl, "S").text, "tab\there quote\" 's\\ A\xC3\xA9");
-  EXPECT_EQ(defaultOf(decl, "Empty").kind, Kind::kString);
-  EXPECT_EQ(defaultOf(decl, "Empty").text, "");
-  EXPECT_EQ(defaultOf(decl, "Nothing").kind, Kind::kNull);
-  EXPECT_EQ(defaultOf(decl, "C").kind, Kind::kChar16);
-  EXPECT_EQ(defaultOf(decl, "C").text, "x");
-  EXPECT_EQ(defaultOf(decl, "Newline").text, "\n");
-  EXPECT_EQ(defaultOf(decl, "Hex").integer, 31u);
-  EXPECT_EQ(defaultOf(decl, "Binary").integer, 5u);
-  EXPECT_EQ(defaultOf(decl, "Octal").integer, 15u);
-  EXPECT_EQ(defaultOf(decl, "Zero").kind, Kind::kInteger);
-  EXPECT_FALSE(defaultOf(decl, "Zero").negative);
-  EXPECT_TRUE(defaultOf(decl, "Low").negative);
-  EXPECT_EQ(defaultOf(decl, "Low").integer, 128u);
-  EXPECT_TRUE(defaultOf(decl, "Min").negative);
-  EXPECT_EQ(defaultOf(decl, "Min").integer, 9223372036854775808u);
-  EXPECT_EQ(defaultOf(decl, "Max").integer, 18446744073709551615u);
-  EXPECT_EQ(defaultOf(decl, "R").kind, Kind::kReal);
-  EXPECT_DOUBLE_EQ(defaultOf(decl, "R").real, -1500.0);
-  EXPECT_EQ(defaultOf(decl, "WholeReal").kind, Kind::kReal);
-  EXPECT_DOUBLE_EQ(defaultOf(decl, "WholeReal").real, 2.0);
-  EXPECT_DOUBLE_EQ(defaultOf(decl, "Fraction").real, 0.25);
-  EXPECT_EQ(defaultOf(decl, "When").text, "20240102030405.000000+060");
-  EXPECT_EQ(defaultOf(decl, "Interval").text, "00000001020304.000005:000");
-
-  const MofValue& list = defaultOf(decl, "List");
-  ASSERT_EQ(list.kind, Kind::kArray);
-  ASSERT_EQ(list.elements.size(), 4u);
-  EXPECT_EQ(list.elements[1].integer, 2u);
-  EXPECT_TRUE(list.elements[1].negative);
-  EXPECT_EQ(list.elements[2].integer, 3u);
-  EXPECT_EQ(list.elements[3].kind, Kind::kNull);
-  EXPECT_EQ(defaultOf(decl, "NoValues").kind, Kind::kArray);
-  EXPECT_TRUE(defaultOf(decl, "NoValues").elements.empty());
+  const std::pair<const char*, std::string> expected[] = {
+      {"B", "true"},
+      {"F", "false"},
+      {"S", "\"tab\there quote\" 's\\ A\xC3\xA9\""},
+      {"Empty", "\"\""},
+      {"Nothing", "null"},
+      {"C", "'x'"},
+      {"Newline", "'\n'"},
+      {"Hex", "31"},
+      {"Binary", "5"},
+      {"Octal", "15"},
+      {"Zero", "0"},
+      {"Low", "-128"},
+      {"Min", "-9223372036854775808"},
+      {"Max", "18446744073709551615"},
+      {"R", "real -1500"},
+      {"WholeReal", "real 2"},
+      {"Fraction", "real 0.25"},
+      {"When", "\"20240102030405.000000+060\""},
+      {"Interval", "\"00000001020304.000005:000\""},
+      {"List", "{1, -2, 3, null}"},
+      {"NoValues", "{}"},
+  };
+  for (const auto& [name, shown] : expected) {
+    SCOPED_TRACE(name);
+    ASSERT_NE(decl.findProperty(name), nullptr);
+    EXPECT_EQ(Show(decl.findProperty(name)->defaultValue), shown);
+  }
 }
 
-TEST_F(MofReaderTest, PropertiesKeepTypesArraysReferencesAndQualifiers) {
-  const ClassDecl& decl = load(R"(
+TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
+  const ClassDecl& typed = load(R"(
     class Test_Base { [Key] string Id; };
     [Association, Description("links" " things"), Version("1.0")]
     class Test_Typed {
@@ -124,42 +106,20 @@ TEST_F(MofReaderTest, PropertiesKeepTypesArraysReferencesAndQualifiers) {
       [ValueMap("1")] uint16 Single;
       [ValueMap{"1", "2"}, MaxLen(10)] uint16 Both;
     };)",
-                               "Test_Typed");
-  EXPECT_TRUE(decl.isAssociation());
-  EXPECT_FALSE(decl.isAbstract());
-  ASSERT_NE(decl.findQualifier("description"), nullptr);
-  EXPECT_EQ(decl.findQualifier("DESCRIPTION")->value.text, "links things");
-  EXPECT_EQ(decl.findQualifier("Association")->name, "Association");
+                                "Test_Typed");
+  // A reference names its class in the declared spelling, not "test_base";
+  // one value given to an array-typed qualifier becomes a one-element array.
+  EXPECT_EQ(Lines(typed),
+            (Strings{"class Test_Typed association [Association=true, Description=\"links "
+                     "things\", Version=\"1.0\"]",
+                     "Owner: Test_Base REF key from Test_Typed [Key=true, Description=\"first "
+                     "second\"]",
+                     "Fixed: uint8[4] from Test_Typed", "Names: string[] from Test_Typed",
+                     "Single: uint16 from Test_Typed [ValueMap={\"1\"}]",
+                     "Both: uint16 from Test_Typed [ValueMap={\"1\", \"2\"}, MaxLen=10]"}));
+  EXPECT_EQ(typed.keyProperties().size(), 1u);
 
-  const PropertyDecl* owner = decl.findProperty("owner");
-  ASSERT_NE(owner, nullptr);
-  EXPECT_EQ(owner->name, "Owner");
-  EXPECT_EQ(owner->type.type, CimType::kReference);
-  EXPECT_EQ(owner->type.refClass, "Test_Base");  // the declared spelling, not "test_base"
-  EXPECT_TRUE(owner->isKey);
-  EXPECT_EQ(owner->classOrigin, "Test_Typed");
-  ASSERT_EQ(owner->qualifiers.size(), 2u);
-  EXPECT_EQ(owner->qualifiers[1].value.text, "first second");
-
-  const PropertyDecl* fixed = decl.findProperty("Fixed");
-  EXPECT_TRUE(fixed->type.isArray);
-  EXPECT_EQ(fixed->type.arraySize, 4u);
-  EXPECT_TRUE(decl.findProperty("Names")->type.isArray);
-  EXPECT_FALSE(decl.findProperty("Names")->type.arraySize.has_value());
-
-  // One value given to an array-typed qualifier becomes a one-element array.
-  const MofValue& single = decl.findProperty("Single")->qualifiers[0].value;
-  ASSERT_EQ(single.kind, Kind::kArray);
-  ASSERT_EQ(single.elements.size(), 1u);
-  EXPECT_EQ(single.elements[0].text, "1");
-  EXPECT_EQ(decl.findProperty("Both")->qualifiers[0].value.elements.size(), 2u);
-  EXPECT_EQ(decl.findProperty("Both")->qualifiers[1].value.integer, 10u);
-  EXPECT_EQ(decl.keyProperties().size(), 1u);
-  EXPECT_EQ(decl.findProperty("Nope"), nullptr);
-}
-
-TEST_F(MofReaderTest, MethodsKeepParametersWithDirectionsAndTypes) {
-  const ClassDecl& decl = load(R"(
+  const ClassDecl& service = load(R"(
     class Test_Job { [Key] string Id; };
     class Test_Service {
       [Description("runs")]
@@ -169,37 +129,15 @@ TEST_F(MofReaderTest, MethodsKeepParametersWithDirectionsAndTypes) {
                  [Out] string Messages[]);
       Test_Job REF Current();
     };)",
-                               "Test_Service");
-  ASSERT_EQ(decl.methods().size(), 2u);
-  const MethodDecl* run = decl.findMethod("RUN");
-  ASSERT_NE(run, nullptr);
-  EXPECT_EQ(run->returnType.type, CimType::kUint32);
-  EXPECT_EQ(run->classOrigin, "Test_Service");
-  EXPECT_EQ(run->qualifiers[0].value.text, "runs");
-  ASSERT_EQ(run->parameters.size(), 4u);
-
-  const ParameterDecl& name = run->parameters[0];
-  EXPECT_EQ(name.name, "Name");
-  EXPECT_EQ(name.type.type, CimType::kString);
-  EXPECT_TRUE(name.isIn);
-  EXPECT_FALSE(name.isOut);
-  EXPECT_EQ(name.qualifiers.size(), 2u);
-
-  const ParameterDecl& job = run->parameters[1];
-  EXPECT_EQ(job.type.type, CimType::kReference);
-  EXPECT_EQ(job.type.refClass, "Test_Job");
-  EXPECT_FALSE(job.isIn);
-  EXPECT_TRUE(job.isOut);
-
-  EXPECT_TRUE(run->parameters[2].type.isArray);
-  EXPECT_EQ(run->parameters[2].type.type, CimType::kUint16);
+                                  "Test_Service");
   // In defaults to true, as its declaration says, even for an Out parameter.
-  EXPECT_TRUE(run->parameters[3].isIn);
-  EXPECT_TRUE(run->parameters[3].isOut);
-
-  const MethodDecl* current = decl.findMethod("Current");
-  EXPECT_EQ(current->returnType.type, CimType::kReference);
-  EXPECT_TRUE(current->parameters.empty());
+  EXPECT_EQ(
+      Lines(service),
+      (Strings{"class Test_Service", "Run(): uint32 from Test_Service [Description=\"runs\"]",
+               "Run(Name): string in [In=true, Description=\"what\"]",
+               "Run(Job): Test_Job REF out [In=false, Out=true]",
+               "Run(Codes): uint16[] in [In=true]", "Run(Messages): string[] in out [Out=true]",
+               "Current(): Test_Job REF from Test_Service"}));
 }
 
 TEST_F(MofReaderTest, AClassMayReferToItselfInParametersAndAssociations) {
@@ -243,59 +181,36 @@ TEST_F(MofReaderTest, InheritanceKeepsPositionsDefaultsAndPropagatingQualifiers)
     class Test_SubLink : Test_Link { [Override("A")] Test_Derived REF A; };
   )",
                    "test.mof");
-  const ClassDecl& derived = *repository_.findClass(kNamespace, "Test_Derived");
-  EXPECT_EQ(derived.superName(), "Test_Base");
-  EXPECT_EQ(propertyNames(derived), (std::vector<std::string>{"Id", "Level", "Note", "Extra"}));
-
-  // Restricted qualifiers (Abstract, Version) stay with their class;
-  // ToSubclass ones (Description) propagate.
-  EXPECT_TRUE(repository_.findClass(kNamespace, "Test_Base")->isAbstract());
-  EXPECT_FALSE(derived.isAbstract());
-  EXPECT_EQ(derived.findQualifier("Version"), nullptr);
-  EXPECT_EQ(derived.findQualifier("Description")->value.text, "base");
-
-  const PropertyDecl* id = derived.findProperty("Id");
-  EXPECT_TRUE(id->isKey);
-  EXPECT_EQ(id->classOrigin, "Test_Base");
-  EXPECT_EQ(id->qualifiers.size(), 2u);
-
-  const PropertyDecl* level = derived.findProperty("Level");
-  EXPECT_EQ(level->classOrigin, "Test_Base");
-  EXPECT_EQ(level->defaultValue.integer, 3u);  // no new default: the inherited one stays
-  EXPECT_EQ(level->qualifiers[0].name, "Override");
-  EXPECT_EQ(level->qualifiers[1].value.text, "derived level");
-  EXPECT_EQ(level->qualifiers.size(), 2u);
-
-  const PropertyDecl* note = derived.findProperty("Note");
-  EXPECT_EQ(note->defaultValue.text, "n");
-  ASSERT_NE(derived.findProperty("Note"), nullptr);
-  std::vector<std::string> noteQualifiers;
-  for (const Qualifier& qualifier : note->qualifiers) {
-    noteQualifiers.push_back(qualifier.name);
-  }
-  EXPECT_EQ(noteQualifiers, (std::vector<std::string>{"Override", "Description", "MaxLen"}));
-
-  ASSERT_EQ(derived.methods().size(), 2u);
-  EXPECT_EQ(derived.methods()[0].name, "Run");
-  EXPECT_EQ(derived.methods()[0].classOrigin, "Test_Base");
-  EXPECT_EQ(derived.methods()[1].name, "Stop");
-
-  // A further subclass: Override (Restricted) is gone, the redeclared
-  // property keeps its place, takes the subclass's spelling and default.
-  const ClassDecl& leaf = *repository_.findClass(kNamespace, "TEST_LEAF");
-  EXPECT_EQ(leaf.superName(), "Test_Derived");
-  EXPECT_EQ(propertyNames(leaf), (std::vector<std::string>{"Id", "level", "Note", "Extra"}));
-  EXPECT_EQ(leaf.findProperty("Level")->defaultValue.integer, 9u);
-  EXPECT_EQ(leaf.findProperty("Level")->qualifiers.size(), 1u);  // Description only
-  EXPECT_EQ(leaf.findProperty("Note")->qualifiers.size(), 2u);
-  EXPECT_EQ(leaf.keyProperties().size(), 1u);
-
+  // Restricted qualifiers (Abstract, Version, Override) stay with their
+  // class; ToSubclass ones (Description) propagate. An override keeps the
+  // inherited position and origin, and the inherited default unless it
+  // gives one.
+  EXPECT_TRUE(classNamed("Test_Base").isAbstract());
+  EXPECT_EQ(Lines(classNamed("Test_Derived")),
+            (Strings{"class Test_Derived : Test_Base [Description=\"base\"]",
+                     "Id: string key from Test_Base [Key=true, Description=\"base id\"]",
+                     "Level: uint16 = 3 from Test_Base [Override=\"Level\", "
+                     "Description=\"derived level\"]",
+                     "Note: string = \"n\" from Test_Base [Override=\"Test_Base.Note\", "
+                     "Description=\"note\", MaxLen=10]",
+                     "Extra: string = \"x\" from Test_Derived",
+                     "Run(): uint32 from Test_Base [Override=\"Run\"]",
+                     "Stop(): uint32 from Test_Derived"}));
+  // The redeclared property takes the subclass's spelling and default.
+  EXPECT_EQ(Lines(classNamed("TEST_LEAF")),
+            (Strings{"class Test_Leaf : Test_Derived [Description=\"base\"]",
+                     "Id: string key from Test_Base [Key=true, Description=\"base id\"]",
+                     "level: uint16 = 9 from Test_Base [Description=\"derived level\"]",
+                     "Note: string = \"n\" from Test_Base [Description=\"note\", MaxLen=10]",
+                     "Extra: string = \"x\" from Test_Derived", "Run(): uint32 from Test_Base",
+                     "Stop(): uint32 from Test_Derived"}));
+  EXPECT_EQ(classNamed("Test_Leaf").keyProperties().size(), 1u);
   // A subclass of an association is one too, and may narrow a reference.
-  const ClassDecl& subLink = *repository_.findClass(kNamespace, "Test_SubLink");
-  EXPECT_TRUE(subLink.isAssociation());
-  EXPECT_EQ(subLink.findProperty("A")->type.refClass, "Test_Derived");
-  EXPECT_TRUE(subLink.findProperty("A")->isKey);
-  EXPECT_EQ(subLink.keyProperties().size(), 2u);
+  EXPECT_EQ(Lines(classNamed("Test_SubLink")),
+            (Strings{"class Test_SubLink : Test_Link association [Association=true]",
+                     "A: Test_Derived REF key from Test_Link [Override=\"A\", Key=true]",
+                     "B: Test_Base REF key from Test_Link [Key=true]"}));
+  EXPECT_EQ(classNamed("Test_SubLink").keyProperties().size(), 2u);
 }
 
 TEST_F(MofReaderTest, StaticInstancesResolveAliasesToPathsWithSortedKeys) {
@@ -310,30 +225,27 @@ TEST_F(MofReaderTest, StaticInstancesResolveAliasesToPathsWithSortedKeys) {
     instance of Test_Link { Left = "Test_Thing.Id=\"z\""; Right = $M; };
   )",
                    "instances.mof");
-  const std::vector<const StaticInstance*> things =
-      repository_.staticInstances(kNamespace, "test_thing");
-  ASSERT_EQ(things.size(), 1u);
-  EXPECT_EQ(things[0]->className, "Test_Thing");
-  ASSERT_EQ(things[0]->values.size(), 2u);
-  EXPECT_EQ(things[0]->values[0].first, "Id");  // the declared spelling
-  EXPECT_EQ(things[0]->values[0].second.text, "a\"b\\c");
-  EXPECT_EQ(things[0]->values[1].second.integer, 7u);
-
-  const std::vector<const StaticInstance*> links =
-      repository_.staticInstances(kNamespace, "Test_Link");
-  ASSERT_EQ(links.size(), 2u);
-  // Values stay in the order written.
-  EXPECT_EQ(links[0]->values[0].first, "Right");
-  EXPECT_EQ(links[0]->values[0].second.kind, Kind::kReference);
-  EXPECT_EQ(links[0]->values[0].second.text,
-            "Test_Multi.Alpha=5,beta=TRUE,Defaulted=\"d\",zeta=\"n\"");
-  EXPECT_EQ(links[0]->values[1].second.kind, Kind::kReference);
-  EXPECT_EQ(links[0]->values[1].second.text, "Test_Thing.Id=\"a\\\"b\\\\c\"");
-  EXPECT_EQ(links[1]->values[0].second.kind, Kind::kReference);
-  EXPECT_EQ(links[1]->values[0].second.text, "Test_Thing.Id=\"z\"");
-
+  // Class and property names in their declared spelling, values in the
+  // order written.
+  const auto shown = [this](const char* className) {
+    Strings instances;
+    for (const StaticInstance* instance : repository_.staticInstances(kNamespace, className)) {
+      std::string text = instance->className;
+      for (const auto& [name, value] : instance->values) {
+        text += " " + name + "=" + Show(value);
+      }
+      instances.push_back(text);
+    }
+    return instances;
+  };
+  EXPECT_EQ(shown("test_thing"), Strings{"Test_Thing Id=\"a\"b\\c\" Count=7"});
+  EXPECT_EQ(shown("Test_Link"),
+            (Strings{"Test_Link Right=ref \"Test_Multi.Alpha=5,beta=TRUE,Defaulted=\"d\","
+                     "zeta=\"n\"\" Left=ref \"Test_Thing.Id=\"a\\\"b\\\\c\"\"",
+                     "Test_Link Left=ref \"Test_Thing.Id=\"z\"\" Right=ref "
+                     "\"Test_Multi.Alpha=5,beta=TRUE,Defaulted=\"d\",zeta=\"n\"\""}));
   // Only exactly that class; subclasses have their own lists.
-  EXPECT_TRUE(repository_.staticInstances(kNamespace, "Test_Multi").size() == 1);
+  EXPECT_EQ(repository_.staticInstances(kNamespace, "Test_Multi").size(), 1u);
   EXPECT_TRUE(repository_.staticInstances(kNamespace, "Nope").empty());
   EXPECT_TRUE(repository_.staticInstances("root/none", "Test_Thing").empty());
 }
@@ -346,6 +258,7 @@ TEST_F(MofReaderTest, LookupsIgnoreCaseAndKeepTheDeclaredSpelling) {
   EXPECT_EQ(decl->findProperty("PROPNAME")->name, "PropName");
   EXPECT_EQ(decl->findMethod("doit")->name, "DoIt");
   EXPECT_EQ(repository_.findQualifier("Root/Test", "KEY")->name, "Key");
+  EXPECT_EQ(decl->findProperty("Nope"), nullptr);
   EXPECT_EQ(repository_.findClass(kNamespace, "Test_MixedCas"), nullptr);
   EXPECT_EQ(repository_.findClass("root/other", "Test_MixedCase"), nullptr);
 }

@@ -1,5 +1,6 @@
 // Shared by the repository tests: the qualifier declarations every test MOF
-// needs, and a scratch folder for include tests.
+// needs, a scratch folder for include tests, and one-line texts of what the
+// reader produced, so that a test states a whole declaration at once.
 #ifndef TESTS_REPOSITORY_REPOSITORYTESTSUPPORT_H_
 #define TESTS_REPOSITORY_REPOSITORYTESTSUPPORT_H_
 
@@ -7,7 +8,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
+#include <vector>
+
+#include "repository/ClassRepository.h"
 
 namespace cmpihost::testing {
 
@@ -60,6 +65,85 @@ class TempDir {
  private:
   std::filesystem::path path_;
 };
+
+// A value with its kind visible: true, -5, real -1500, "text", 'c', null,
+// ref "path", {1, 2}.
+inline std::string Show(const MofValue& value) {
+  std::ostringstream text;
+  switch (value.kind) {
+    case MofValue::Kind::kNull:
+      return "null";
+    case MofValue::Kind::kBoolean:
+      return value.boolean ? "true" : "false";
+    case MofValue::Kind::kInteger:
+      return (value.negative ? "-" : "") + std::to_string(value.integer);
+    case MofValue::Kind::kReal:
+      text << "real " << value.real;
+      return text.str();
+    case MofValue::Kind::kString:
+      return "\"" + value.text + "\"";
+    case MofValue::Kind::kChar16:
+      return "'" + value.text + "'";
+    case MofValue::Kind::kAlias:
+      return "$" + value.text;
+    case MofValue::Kind::kReference:
+      return "ref \"" + value.text + "\"";
+    case MofValue::Kind::kArray:
+      text << "{";
+      for (std::size_t i = 0; i < value.elements.size(); ++i) {
+        text << (i == 0 ? "" : ", ") << Show(value.elements[i]);
+      }
+      text << "}";
+      return text.str();
+  }
+  return "?";
+}
+
+// "uint8[4]", "string[]", "Test_Base REF".
+inline std::string Show(const TypeDecl& type) {
+  std::string text = type.type == CimType::kReference ? type.refClass + " REF"
+                                                      : std::string(CimTypeName(type.type));
+  if (type.isArray) {
+    text += "[" + (type.arraySize ? std::to_string(*type.arraySize) : std::string()) + "]";
+  }
+  return text;
+}
+
+// " [Key=true, Description=\"x\"]", or "" when there are none.
+inline std::string Show(const std::vector<Qualifier>& qualifiers) {
+  std::string text;
+  for (const Qualifier& qualifier : qualifiers) {
+    text += (text.empty() ? " [" : ", ") + qualifier.name + "=" + Show(qualifier.value);
+  }
+  return text.empty() ? text : text + "]";
+}
+
+// One line for the class, then one per property, method and parameter:
+//   class Name : Super abstract association [qualifiers]
+//   Prop: type key = default from Origin [qualifiers]
+//   Method(): type from Origin [qualifiers]
+//   Method(Param): type in out [qualifiers]
+inline std::vector<std::string> Lines(const ClassDecl& decl) {
+  std::vector<std::string> lines{
+      "class " + decl.name() + (decl.superName().empty() ? "" : " : " + decl.superName()) +
+      (decl.isAbstract() ? " abstract" : "") + (decl.isAssociation() ? " association" : "") +
+      Show(decl.qualifiers())};
+  for (const PropertyDecl& p : decl.properties()) {
+    lines.push_back(
+        p.name + ": " + Show(p.type) + (p.isKey ? " key" : "") +
+        (p.defaultValue.kind == MofValue::Kind::kNull ? "" : " = " + Show(p.defaultValue)) +
+        " from " + p.classOrigin + Show(p.qualifiers));
+  }
+  for (const MethodDecl& m : decl.methods()) {
+    lines.push_back(m.name + "(): " + Show(m.returnType) + " from " + m.classOrigin +
+                    Show(m.qualifiers));
+    for (const ParameterDecl& p : m.parameters) {
+      lines.push_back(m.name + "(" + p.name + "): " + Show(p.type) + (p.isIn ? " in" : "") +
+                      (p.isOut ? " out" : "") + Show(p.qualifiers));
+    }
+  }
+  return lines;
+}
 
 }  // namespace cmpihost::testing
 

@@ -1,11 +1,11 @@
 #include "SchemaComparison.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstddef>
+#include <iomanip>
+#include <map>
 #include <sstream>
 #include <utility>
 
@@ -14,10 +14,7 @@ namespace {
 
 using cmpihost::ClassDecl;
 using cmpihost::ClassRepository;
-using cmpihost::MethodDecl;
 using cmpihost::MofValue;
-using cmpihost::ParameterDecl;
-using cmpihost::PropertyDecl;
 using cmpihost::Qualifier;
 using cmpihost::TypeDecl;
 
@@ -32,26 +29,34 @@ constexpr std::array<const char*, 4> kMethodQualifiers{"Required", "EmbeddedInst
 constexpr std::array<const char*, 3> kParameterQualifiers{"Required", "EmbeddedInstance",
                                                           "EmbeddedObject"};
 
-bool EqualNoCase(const std::string& a, const std::string& b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
-
 std::string Lower(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return text;
 }
 
-std::string CommaSeparated(const std::vector<std::string>& items) {
+std::string Join(const std::vector<std::string>& items) {
   std::string joined;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    joined += (i == 0 ? "" : ", ") + items[i];
+  for (const std::string& item : items) {
+    joined += (joined.empty() ? "" : ", ") + item;
   }
-  return joined;
+  return "(" + joined + ")";
 }
 
-std::string Join(const std::vector<std::string>& items) {
-  return "(" + CommaSeparated(items) + ")";
+template <typename Member>
+std::string NamesOf(const std::vector<Member>& members) {
+  std::vector<std::string> names;
+  for (const Member& member : members) {
+    names.push_back(member.name);
+  }
+  return Join(names);
+}
+
+// Scopes and flavors are sets whose words compare case-insensitively.
+std::string WordSet(std::vector<std::string> words) {
+  std::sort(words.begin(), words.end(),
+            [](const std::string& a, const std::string& b) { return Lower(a) < Lower(b); });
+  return Join(words);
 }
 
 std::string DescribeType(const TypeDecl& type) {
@@ -64,18 +69,17 @@ std::string DescribeType(const TypeDecl& type) {
 }
 
 std::string DescribeValue(const MofValue& value) {
+  std::ostringstream text;
   switch (value.kind) {
     case MofValue::Kind::kNull:
       return "null";
     case MofValue::Kind::kBoolean:
       return value.boolean ? "true" : "false";
     case MofValue::Kind::kInteger:
-      return (value.negative ? "-" : "") + std::to_string(value.integer);
-    case MofValue::Kind::kReal: {
-      std::ostringstream text;
-      text << value.real;
+      return (value.negative && value.integer != 0 ? "-" : "") + std::to_string(value.integer);
+    case MofValue::Kind::kReal:
+      text << std::setprecision(17) << value.real;
       return text.str();
-    }
     case MofValue::Kind::kString:
       return "\"" + value.text + "\"";
     case MofValue::Kind::kChar16:
@@ -84,89 +88,117 @@ std::string DescribeValue(const MofValue& value) {
       return "$" + value.text;
     case MofValue::Kind::kReference:
       return "reference \"" + value.text + "\"";
-    case MofValue::Kind::kArray: {
-      std::vector<std::string> elements;
-      for (const MofValue& element : value.elements) {
-        elements.push_back(DescribeValue(element));
+    case MofValue::Kind::kArray:
+      text << "{";
+      for (std::size_t i = 0; i < value.elements.size(); ++i) {
+        text << (i == 0 ? "" : ", ") << DescribeValue(value.elements[i]);
       }
-      return "{" + CommaSeparated(elements) + "}";
-    }
+      text << "}";
+      return text.str();
   }
   return "?";
 }
 
-bool SameValue(const MofValue& a, const MofValue& b) {
-  if (a.kind != b.kind) {
-    return false;
-  }
-  switch (a.kind) {
-    case MofValue::Kind::kNull:
-      return true;
-    case MofValue::Kind::kBoolean:
-      return a.boolean == b.boolean;
-    case MofValue::Kind::kInteger:
-      return a.integer == b.integer && (a.negative == b.negative || a.integer == 0);
-    case MofValue::Kind::kReal:
-      return a.real == b.real;
-    case MofValue::Kind::kArray:
-      return std::equal(a.elements.begin(), a.elements.end(), b.elements.begin(), b.elements.end(),
-                        SameValue);
-    default:
-      return a.text == b.text;
-  }
-}
+// What one element (class, property, method, parameter, qualifier
+// declaration) says about itself, fact by fact, in a fixed order.
+struct Element {
+  std::string subject;
+  std::string parent;  // lower-case key of the element it belongs to; "" for none
+  struct Fact {
+    std::string name;
+    std::string shown;
+    std::string compared;
+  };
+  std::vector<Fact> facts;
 
-std::string DescribeDirection(const ParameterDecl& parameter) {
-  if (parameter.isIn && parameter.isOut) {
-    return "In, Out";
+  void add(const std::string& name, const std::string& shown) {
+    facts.push_back({name, shown, shown});
   }
-  if (parameter.isIn || parameter.isOut) {
-    return parameter.isIn ? "In" : "Out";
+  void addNoCase(const std::string& name, const std::string& shown) {
+    facts.push_back({name, shown, Lower(shown)});
   }
-  return "neither In nor Out";
-}
+};
 
-// Collects "subject: fact X here but Y in DMTF" lines.
-class Report {
+// The elements of one side, in the order described, found by lower-case subject.
+class Sheet {
  public:
-  explicit Report(std::vector<std::string>& lines) : lines_(lines) {}
+  Element& add(const std::string& subject, const std::string& parent) {
+    index_[Lower(subject)] = elements_.size();
+    elements_.push_back({subject, Lower(parent), {}});
+    return elements_.back();
+  }
+  const Element* find(const std::string& key) const {
+    const auto found = index_.find(key);
+    return found == index_.end() ? nullptr : &elements_[found->second];
+  }
+  const std::vector<Element>& elements() const { return elements_; }
 
-  void differs(const std::string& subject, const std::string& fact, const std::string& ours,
-               const std::string& dmtf) {
-    lines_.push_back(subject + ": " + fact + " " + ours + " here but " + dmtf + " in DMTF");
-  }
-  void note(const std::string& subject, const std::string& problem) {
-    lines_.push_back(subject + ": " + problem);
-  }
-  void compareSpelling(const std::string& subject, const std::string& ours,
-                       const std::string& dmtf) {
-    if (ours != dmtf) {
-      differs(subject, "spelt", "'" + ours + "'", "'" + dmtf + "'");
+ private:
+  std::vector<Element> elements_;
+  std::map<std::string, std::size_t> index_;
+};
+
+// Describes classes as a client sees them: a qualifier that is not written
+// has its declared default. DMTF's declaration gives that default on both
+// sides, since our declarations are compared with DMTF's separately.
+class Describer {
+ public:
+  Describer(const ClassRepository& dmtf, const std::string& nameSpace)
+      : dmtf_(dmtf), nameSpace_(nameSpace) {}
+
+  Sheet describe(const ClassDecl& decl) const {
+    Sheet sheet;
+    const std::string& name = decl.name();
+    Element& element = sheet.add(name, "");
+    element.add("spelt", "'" + name + "'");
+    element.add("superclass", decl.superName().empty() ? "none" : decl.superName());
+    addQualifiers(element, kClassQualifiers, decl.qualifiers());
+    element.addNoCase("properties in order", NamesOf(decl.properties()));
+    element.addNoCase("methods in order", NamesOf(decl.methods()));
+    for (const cmpihost::PropertyDecl& property : decl.properties()) {
+      Element& p = sheet.add(name + "." + property.name, name);
+      p.add("spelt", "'" + property.name + "'");
+      p.add("type", DescribeType(property.type));
+      p.add("Key", property.isKey ? "true" : "false");
+      p.add("default", DescribeValue(property.defaultValue));
+      // The origin's spelling is checked where that class itself is compared.
+      p.addNoCase("class origin", property.classOrigin);
+      addQualifiers(p, kPropertyQualifiers, property.qualifiers);
     }
-  }
-  void compareType(const std::string& subject, const TypeDecl& ours, const TypeDecl& dmtf) {
-    const std::string oursText = DescribeType(ours);
-    const std::string dmtfText = DescribeType(dmtf);
-    if (oursText != dmtfText) {
-      differs(subject, "type", oursText, dmtfText);
+    for (const cmpihost::MethodDecl& method : decl.methods()) {
+      const std::string methodSubject = name + "." + method.name;
+      Element& m = sheet.add(methodSubject, name);
+      m.add("spelt", "'" + method.name + "'");
+      m.add("returns", DescribeType(method.returnType));
+      m.addNoCase("class origin", method.classOrigin);
+      addQualifiers(m, kMethodQualifiers, method.qualifiers);
+      m.addNoCase("parameters", NamesOf(method.parameters));
+      for (const cmpihost::ParameterDecl& parameter : method.parameters) {
+        Element& p = sheet.add(methodSubject + "(" + parameter.name + ")", methodSubject);
+        p.add("spelt", "'" + parameter.name + "'");
+        p.add("type", DescribeType(parameter.type));
+        p.add("direction", parameter.isIn && parameter.isOut ? "In, Out"
+                           : parameter.isIn                  ? "In"
+                           : parameter.isOut                 ? "Out"
+                                                             : "neither In nor Out");
+        addQualifiers(p, kParameterQualifiers, parameter.qualifiers);
+      }
     }
+    return sheet;
   }
 
  private:
-  std::vector<std::string>& lines_;
-};
-
-// Reads qualifier values as a client sees them: a qualifier that is not
-// written has its declared default. DMTF's declaration gives that default
-// on both sides, since our declarations are compared with DMTF's separately.
-class QualifierReader {
- public:
-  QualifierReader(const ClassRepository& dmtf, const std::string& nameSpace)
-      : dmtf_(dmtf), nameSpace_(nameSpace) {}
+  template <std::size_t N>
+  void addQualifiers(Element& element, const std::array<const char*, N>& names,
+                     const std::vector<Qualifier>& written) const {
+    for (const char* name : names) {
+      element.add(std::string("qualifier ") + name, DescribeValue(effective(written, name)));
+    }
+  }
 
   MofValue effective(const std::vector<Qualifier>& written, const std::string& name) const {
     for (const Qualifier& qualifier : written) {
-      if (EqualNoCase(qualifier.name, name)) {
+      if (Lower(qualifier.name) == Lower(name)) {
         return qualifier.value;
       }
     }
@@ -174,167 +206,46 @@ class QualifierReader {
     return decl != nullptr ? decl->defaultValue : MofValue{};
   }
 
-  template <std::size_t N>
-  void compare(Report& report, const std::string& subject, const std::array<const char*, N>& names,
-               const std::vector<Qualifier>& ours, const std::vector<Qualifier>& dmtf) const {
-    for (const char* name : names) {
-      const MofValue oursValue = effective(ours, name);
-      const MofValue dmtfValue = effective(dmtf, name);
-      if (!SameValue(oursValue, dmtfValue)) {
-        report.differs(subject, std::string("qualifier ") + name, DescribeValue(oursValue),
-                       DescribeValue(dmtfValue));
-      }
-    }
-  }
-
- private:
   const ClassRepository& dmtf_;
   const std::string& nameSpace_;
 };
 
-template <typename Member>
-std::vector<std::string> NamesOf(const std::vector<Member>& members) {
-  std::vector<std::string> names;
-  names.reserve(members.size());
-  for (const Member& member : members) {
-    names.push_back(member.name);
-  }
-  return names;
-}
-
-bool SameNamesInOrder(const std::vector<std::string>& a, const std::vector<std::string>& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), EqualNoCase);
-}
-
-// Reports members present on one side only; true when both sides hold the
-// same names, so that their order and details can be compared.
-template <typename Member, typename OursFinder, typename DmtfFinder>
-bool CompareMemberSets(Report& report, const std::string& className,
-                       const std::vector<Member>& ours, const std::vector<Member>& dmtf,
-                       OursFinder findInOurs, DmtfFinder findInDmtf) {
-  bool same = true;
-  for (const Member& member : ours) {
-    if (findInDmtf(member.name) == nullptr) {
-      report.note(className + "." + member.name, "not in DMTF");
-      same = false;
+// "subject: fact X here but Y in DMTF" for every fact that differs, and a
+// line for every element on one side only. Lists of members are not
+// compared where a member is missing: that member's line says it all.
+std::vector<std::string> Compare(const Sheet& ours, const Sheet& dmtf) {
+  std::vector<std::string> lines;
+  std::map<std::string, bool> membersDiffer;
+  const auto presence = [&](const Sheet& side, const Sheet& other, const char* problem) {
+    for (const Element& element : side.elements()) {
+      const std::string key = Lower(element.subject);
+      if (other.find(key) == nullptr &&
+          (element.parent.empty() || other.find(element.parent) != nullptr)) {
+        lines.push_back(element.subject + ": " + problem);
+        membersDiffer[element.parent] = true;
+      }
+    }
+  };
+  presence(dmtf, ours, "missing here");
+  presence(ours, dmtf, "not in DMTF");
+  for (const Element& theirs : dmtf.elements()) {
+    const std::string key = Lower(theirs.subject);
+    const Element* mine = ours.find(key);
+    if (mine == nullptr) {
+      continue;
+    }
+    for (std::size_t i = 0; i < theirs.facts.size(); ++i) {
+      const Element::Fact& fact = theirs.facts[i];
+      const Element::Fact& our = mine->facts[i];
+      const bool memberList =
+          fact.name.find("order") != std::string::npos || fact.name == "parameters";
+      if (our.compared != fact.compared && !(memberList && membersDiffer[key])) {
+        lines.push_back(theirs.subject + ": " + fact.name + " " + our.shown + " here but " +
+                        fact.shown + " in DMTF");
+      }
     }
   }
-  for (const Member& member : dmtf) {
-    if (findInOurs(member.name) == nullptr) {
-      report.note(className + "." + member.name, "missing here");
-      same = false;
-    }
-  }
-  return same;
-}
-
-void CompareProperty(Report& report, const QualifierReader& qualifiers,
-                     const std::string& className, const PropertyDecl& ours,
-                     const PropertyDecl& dmtf) {
-  const std::string subject = className + "." + dmtf.name;
-  report.compareSpelling(subject, ours.name, dmtf.name);
-  report.compareType(subject, ours.type, dmtf.type);
-  if (ours.isKey != dmtf.isKey) {
-    report.differs(subject, "Key", ours.isKey ? "true" : "false", dmtf.isKey ? "true" : "false");
-  }
-  if (!SameValue(ours.defaultValue, dmtf.defaultValue)) {
-    report.differs(subject, "default", DescribeValue(ours.defaultValue),
-                   DescribeValue(dmtf.defaultValue));
-  }
-  // The origin's spelling is checked where that class itself is compared.
-  if (!EqualNoCase(ours.classOrigin, dmtf.classOrigin)) {
-    report.differs(subject, "class origin", ours.classOrigin, dmtf.classOrigin);
-  }
-  qualifiers.compare(report, subject, kPropertyQualifiers, ours.qualifiers, dmtf.qualifiers);
-}
-
-void CompareParameters(Report& report, const QualifierReader& qualifiers,
-                       const std::string& methodSubject, const MethodDecl& ours,
-                       const MethodDecl& dmtf) {
-  const std::vector<std::string> oursNames = NamesOf(ours.parameters);
-  const std::vector<std::string> dmtfNames = NamesOf(dmtf.parameters);
-  if (!SameNamesInOrder(oursNames, dmtfNames)) {
-    report.differs(methodSubject, "parameters", Join(oursNames), Join(dmtfNames));
-    return;
-  }
-  for (std::size_t i = 0; i < ours.parameters.size(); ++i) {
-    const ParameterDecl& oursParameter = ours.parameters[i];
-    const ParameterDecl& dmtfParameter = dmtf.parameters[i];
-    const std::string subject = methodSubject + "(" + dmtfParameter.name + ")";
-    report.compareSpelling(subject, oursParameter.name, dmtfParameter.name);
-    report.compareType(subject, oursParameter.type, dmtfParameter.type);
-    if (DescribeDirection(oursParameter) != DescribeDirection(dmtfParameter)) {
-      report.differs(subject, "direction", DescribeDirection(oursParameter),
-                     DescribeDirection(dmtfParameter));
-    }
-    qualifiers.compare(report, subject, kParameterQualifiers, oursParameter.qualifiers,
-                       dmtfParameter.qualifiers);
-  }
-}
-
-void CompareMethod(Report& report, const QualifierReader& qualifiers, const std::string& className,
-                   const MethodDecl& ours, const MethodDecl& dmtf) {
-  const std::string subject = className + "." + dmtf.name;
-  report.compareSpelling(subject, ours.name, dmtf.name);
-  const std::string oursReturn = DescribeType(ours.returnType);
-  const std::string dmtfReturn = DescribeType(dmtf.returnType);
-  if (oursReturn != dmtfReturn) {
-    report.differs(subject, "returns", oursReturn, dmtfReturn);
-  }
-  if (!EqualNoCase(ours.classOrigin, dmtf.classOrigin)) {
-    report.differs(subject, "class origin", ours.classOrigin, dmtf.classOrigin);
-  }
-  qualifiers.compare(report, subject, kMethodQualifiers, ours.qualifiers, dmtf.qualifiers);
-  CompareParameters(report, qualifiers, subject, ours, dmtf);
-}
-
-void CompareProperties(Report& report, const QualifierReader& qualifiers, const ClassDecl& ours,
-                       const ClassDecl& dmtf) {
-  const auto findInOurs = [&ours](const std::string& name) { return ours.findProperty(name); };
-  const auto findInDmtf = [&dmtf](const std::string& name) { return dmtf.findProperty(name); };
-  if (!CompareMemberSets(report, dmtf.name(), ours.properties(), dmtf.properties(), findInOurs,
-                         findInDmtf)) {
-    return;
-  }
-  const std::vector<std::string> oursNames = NamesOf(ours.properties());
-  const std::vector<std::string> dmtfNames = NamesOf(dmtf.properties());
-  if (!SameNamesInOrder(oursNames, dmtfNames)) {
-    report.differs(dmtf.name(), "properties in order", Join(oursNames), Join(dmtfNames));
-  }
-  for (const PropertyDecl& property : ours.properties()) {
-    CompareProperty(report, qualifiers, dmtf.name(), property, *dmtf.findProperty(property.name));
-  }
-}
-
-void CompareMethods(Report& report, const QualifierReader& qualifiers, const ClassDecl& ours,
-                    const ClassDecl& dmtf) {
-  const auto findInOurs = [&ours](const std::string& name) { return ours.findMethod(name); };
-  const auto findInDmtf = [&dmtf](const std::string& name) { return dmtf.findMethod(name); };
-  if (!CompareMemberSets(report, dmtf.name(), ours.methods(), dmtf.methods(), findInOurs,
-                         findInDmtf)) {
-    return;
-  }
-  const std::vector<std::string> oursNames = NamesOf(ours.methods());
-  const std::vector<std::string> dmtfNames = NamesOf(dmtf.methods());
-  if (!SameNamesInOrder(oursNames, dmtfNames)) {
-    report.differs(dmtf.name(), "methods in order", Join(oursNames), Join(dmtfNames));
-  }
-  for (const MethodDecl& method : ours.methods()) {
-    CompareMethod(report, qualifiers, dmtf.name(), method, *dmtf.findMethod(method.name));
-  }
-}
-
-// Scopes and flavors are sets whose words compare case-insensitively.
-std::vector<std::string> SortedNoCase(std::vector<std::string> words) {
-  std::sort(words.begin(), words.end(),
-            [](const std::string& a, const std::string& b) { return Lower(a) < Lower(b); });
-  return words;
-}
-
-bool SameWordSet(const std::vector<std::string>& a, const std::vector<std::string>& b) {
-  const std::vector<std::string> sortedA = SortedNoCase(a);
-  const std::vector<std::string> sortedB = SortedNoCase(b);
-  return std::equal(sortedA.begin(), sortedA.end(), sortedB.begin(), sortedB.end(), EqualNoCase);
+  return lines;
 }
 
 }  // namespace
@@ -344,53 +255,32 @@ SchemaComparison::SchemaComparison(const ClassRepository& ours, const ClassRepos
     : ours_(ours), dmtf_(dmtf), nameSpace_(std::move(nameSpace)) {}
 
 std::vector<std::string> SchemaComparison::classDifferences(const ClassDecl& ours) const {
-  std::vector<std::string> lines;
-  Report report(lines);
   const ClassDecl* dmtf = dmtf_.findClass(nameSpace_, ours.name());
   if (dmtf == nullptr) {
-    report.note(ours.name(), "no such class in DMTF");
-    return lines;
+    return {ours.name() + ": no such class in DMTF"};
   }
-  report.compareSpelling(dmtf->name(), ours.name(), dmtf->name());
-  if (ours.superName() != dmtf->superName()) {
-    const auto describe = [](const std::string& name) {
-      return name.empty() ? std::string("none") : name;
-    };
-    report.differs(dmtf->name(), "superclass", describe(ours.superName()),
-                   describe(dmtf->superName()));
-  }
-  const QualifierReader qualifiers(dmtf_, nameSpace_);
-  qualifiers.compare(report, dmtf->name(), kClassQualifiers, ours.qualifiers(), dmtf->qualifiers());
-  CompareProperties(report, qualifiers, ours, *dmtf);
-  CompareMethods(report, qualifiers, ours, *dmtf);
-  return lines;
+  const Describer describer(dmtf_, nameSpace_);
+  return Compare(describer.describe(ours), describer.describe(*dmtf));
 }
 
 std::vector<std::string> SchemaComparison::qualifierDifferences(const std::string& name) const {
-  std::vector<std::string> lines;
-  Report report(lines);
   const std::string subject = "Qualifier " + name;
   const cmpihost::QualifierDecl* ours = ours_.findQualifier(nameSpace_, name);
   const cmpihost::QualifierDecl* dmtf = dmtf_.findQualifier(nameSpace_, name);
   if (ours == nullptr || dmtf == nullptr) {
-    report.note(subject, ours == nullptr ? "not declared here" : "not declared in DMTF");
-    return lines;
+    return {subject + ": " + (ours == nullptr ? "not declared here" : "not declared in DMTF")};
   }
-  report.compareSpelling(subject, ours->name, dmtf->name);
-  report.compareType(subject, ours->type, dmtf->type);
-  if (!SameValue(ours->defaultValue, dmtf->defaultValue)) {
-    report.differs(subject, "default", DescribeValue(ours->defaultValue),
-                   DescribeValue(dmtf->defaultValue));
+  Sheet sheets[2];
+  for (int side = 0; side < 2; ++side) {
+    const cmpihost::QualifierDecl& decl = side == 0 ? *ours : *dmtf;
+    Element& element = sheets[side].add(subject, "");
+    element.add("spelt", "'" + decl.name + "'");
+    element.add("type", DescribeType(decl.type));
+    element.add("default", DescribeValue(decl.defaultValue));
+    element.addNoCase("scopes", WordSet(decl.scopes));
+    element.addNoCase("flavors", WordSet(decl.flavors));
   }
-  if (!SameWordSet(ours->scopes, dmtf->scopes)) {
-    report.differs(subject, "scopes", Join(SortedNoCase(ours->scopes)),
-                   Join(SortedNoCase(dmtf->scopes)));
-  }
-  if (!SameWordSet(ours->flavors, dmtf->flavors)) {
-    report.differs(subject, "flavors", Join(SortedNoCase(ours->flavors)),
-                   Join(SortedNoCase(dmtf->flavors)));
-  }
-  return lines;
+  return Compare(sheets[0], sheets[1]);
 }
 
 }  // namespace diagcore_test

@@ -75,121 +75,119 @@ std::string LoadText(ClassRepository& repository, const std::string& text) {
   }
 }
 
-struct ClassCase {
+struct Case {
   const char* what;
-  const char* className;  // looked up in our text, case-insensitively
+  const char* name;  // of the class or qualifier compared, looked up case-insensitively
   std::string from;
   std::string to;
   std::string expected;  // "" when the two must agree
 };
 
-TEST(SchemaComparison, ReportsEachKindOfClassDisagreementByName) {
-  const std::vector<ClassCase> cases{
-      {"identical", "T_Thing", "class T_Thing", "class T_Thing", ""},
-      {"property type", "T_Thing", "uint16 Codes[]", "uint32 Codes[]",
-       "T_Thing.Codes: type uint32[] here but uint16[] in DMTF"},
-      {"array-ness", "T_Thing", "uint16 Codes[]", "uint16 Codes",
-       "T_Thing.Codes: type uint16 here but uint16[] in DMTF"},
-      {"property spelling", "T_Thing", "uint16 Codes[]", "uint16 CODES[]",
-       "T_Thing.Codes: spelt 'CODES' here but 'Codes' in DMTF"},
-      {"Key", "T_Thing", "[Key] string Scope", "string Scope",
-       "T_Thing.Scope: Key false here but true in DMTF"},
-      {"default value", "T_Thing", "Count = 3", "Count = 4",
-       "T_Thing.Count: default 4 here but 3 in DMTF"},
-      {"default missing", "T_Thing", "Count = 3", "Count",
-       "T_Thing.Count: default null here but 3 in DMTF"},
-      {"property qualifier", "T_Thing", "[Write] uint32", "uint32",
-       "T_Thing.Count: qualifier Write false here but true in DMTF"},
-      {"missing property", "T_Thing", "  uint16 Codes[];\n", "", "T_Thing.Codes: missing here"},
-      {"extra property", "T_Thing", "  uint16 Codes[];\n", "  uint16 Codes[];\n  string Extra;\n",
-       "T_Thing.Extra: not in DMTF"},
-      {"property order", "T_Thing", "  uint16 Codes[];\n  [Write] uint32 Count = 3;\n",
-       "  [Write] uint32 Count = 3;\n  uint16 Codes[];\n",
-       "T_Thing: properties in order (Id, Scope, Count, Codes) here but "
-       "(Id, Scope, Codes, Count) in DMTF"},
-      {"superclass", "T_Thing", "class T_Thing : T_Base", "class T_Thing : T_Peer",
-       "T_Thing: superclass T_Peer here but T_Base in DMTF"},
-      {"class qualifier", "T_Thing", "class T_Thing : T_Base", "[Abstract] class T_Thing : T_Base",
-       "T_Thing: qualifier Abstract true here but false in DMTF"},
-      {"class spelling", "T_Thing", "class T_Thing", "class T_THING",
-       "T_Thing: spelt 'T_THING' here but 'T_Thing' in DMTF"},
-      {"class unknown to DMTF", "T_Thang", "class T_Thing", "class T_Thang",
-       "T_Thang: no such class in DMTF"},
-      {"reference class", "T_Link", "T_Base REF Left", "T_Peer REF Left",
-       "T_Link.Left: type T_Peer REF here but T_Base REF in DMTF"},
-      {"return type", "T_Thing", "uint32 Run(", "uint16 Run(",
-       "T_Thing.Run: returns uint16 here but uint32 in DMTF"},
-      {"missing method", "T_Thing",
-       "  uint32 Run([In] T_Base REF Target, [In(false), Out] string Result[]);\n", "",
-       "T_Thing.Run: missing here"},
-      {"parameter names", "T_Thing", "REF Target", "REF Aim",
-       "T_Thing.Run: parameters (Aim, Result) here but (Target, Result) in DMTF"},
-      {"parameter spelling", "T_Thing", "REF Target", "REF target",
-       "T_Thing.Run(Target): spelt 'target' here but 'Target' in DMTF"},
-      {"parameter reference class", "T_Thing", "[In] T_Base REF", "[In] T_Peer REF",
-       "T_Thing.Run(Target): type T_Peer REF here but T_Base REF in DMTF"},
-      {"parameter array-ness", "T_Thing", "string Result[]", "string Result",
-       "T_Thing.Run(Result): type string here but string[] in DMTF"},
-      {"parameter direction", "T_Thing", "[In(false), Out]", "[Out]",
-       "T_Thing.Run(Result): direction In, Out here but Out in DMTF"},
-  };
-
+// Compares the reference text with each case's mutation of it.
+template <typename Differences>
+void ExpectEachCase(const std::vector<Case>& cases, Differences differences) {
   ClassRepository dmtf;
   ASSERT_EQ(LoadText(dmtf, Reference()), "");
-  for (const ClassCase& c : cases) {
+  for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ClassRepository ours;
     ASSERT_EQ(LoadText(ours, Mutated(c.from, c.to)), "");
-    const ClassDecl* decl = ours.findClass(kNameSpace, c.className);
-    ASSERT_NE(decl, nullptr);
-    const SchemaComparison mutated(ours, dmtf, kNameSpace);
+    const std::vector<std::string> found =
+        differences(SchemaComparison(ours, dmtf, kNameSpace), ours, c.name);
     if (c.expected.empty()) {
-      EXPECT_THAT(mutated.classDifferences(*decl), IsEmpty());
+      EXPECT_THAT(found, IsEmpty());
     } else {
-      EXPECT_THAT(mutated.classDifferences(*decl), ElementsAre(c.expected));
+      EXPECT_THAT(found, ElementsAre(c.expected));
     }
   }
 }
 
-TEST(SchemaComparison, ReportsEachKindOfQualifierDisagreementByName) {
-  struct QualifierCase {
-    const char* what;
-    const char* name;
-    std::string from;
-    std::string to;
-    std::string expected;
+TEST(SchemaComparison, ReportsEachKindOfClassDisagreementByName) {
+  const auto classDifferences = [](const SchemaComparison& comparison, const ClassRepository& ours,
+                                   const char* name) {
+    const ClassDecl* decl = ours.findClass(kNameSpace, name);
+    return decl == nullptr ? std::vector<std::string>{"no class"}
+                           : comparison.classDifferences(*decl);
   };
-  const std::vector<QualifierCase> cases{
-      {"identical", "Key", "Qualifier Key", "Qualifier Key", ""},
-      {"scope order does not matter", "Key", "Scope(property, reference)",
-       "Scope(reference, property)", ""},
-      {"type", "Note", "Note : string", "Note : uint32",
-       "Qualifier Note: type uint32 here but string in DMTF"},
-      {"default", "In", "In : boolean = true", "In : boolean = false",
-       "Qualifier In: default false here but true in DMTF"},
-      {"scopes", "Note", "Scope(any)", "Scope(property, class)",
-       "Qualifier Note: scopes (class, property) here but (any) in DMTF"},
-      {"flavors", "Write", "Scope(property);", "Scope(property), Flavor(DisableOverride);",
-       "Qualifier Write: flavors (DisableOverride) here but () in DMTF"},
-      {"spelling", "Key", "Qualifier Key", "Qualifier KEY",
-       "Qualifier Key: spelt 'KEY' here but 'Key' in DMTF"},
-      {"undeclared here", "Note", "Qualifier Note : string = null, Scope(any);\n", "",
-       "Qualifier Note: not declared here"},
-  };
+  ExpectEachCase(
+      {
+          {"identical", "T_Thing", "class T_Thing", "class T_Thing", ""},
+          {"property type", "T_Thing", "uint16 Codes[]", "uint32 Codes[]",
+           "T_Thing.Codes: type uint32[] here but uint16[] in DMTF"},
+          {"array-ness", "T_Thing", "uint16 Codes[]", "uint16 Codes",
+           "T_Thing.Codes: type uint16 here but uint16[] in DMTF"},
+          {"property spelling", "T_Thing", "uint16 Codes[]", "uint16 CODES[]",
+           "T_Thing.Codes: spelt 'CODES' here but 'Codes' in DMTF"},
+          {"Key", "T_Thing", "[Key] string Scope", "string Scope",
+           "T_Thing.Scope: Key false here but true in DMTF"},
+          {"default value", "T_Thing", "Count = 3", "Count = 4",
+           "T_Thing.Count: default 4 here but 3 in DMTF"},
+          {"default missing", "T_Thing", "Count = 3", "Count",
+           "T_Thing.Count: default null here but 3 in DMTF"},
+          {"property qualifier", "T_Thing", "[Write] uint32", "uint32",
+           "T_Thing.Count: qualifier Write false here but true in DMTF"},
+          {"missing property", "T_Thing", "  uint16 Codes[];\n", "", "T_Thing.Codes: missing here"},
+          {"extra property", "T_Thing", "  uint16 Codes[];\n",
+           "  uint16 Codes[];\n  string Extra;\n", "T_Thing.Extra: not in DMTF"},
+          {"property order", "T_Thing", "  uint16 Codes[];\n  [Write] uint32 Count = 3;\n",
+           "  [Write] uint32 Count = 3;\n  uint16 Codes[];\n",
+           "T_Thing: properties in order (Id, Scope, Count, Codes) here but "
+           "(Id, Scope, Codes, Count) in DMTF"},
+          {"superclass", "T_Thing", "class T_Thing : T_Base", "class T_Thing : T_Peer",
+           "T_Thing: superclass T_Peer here but T_Base in DMTF"},
+          {"class qualifier", "T_Thing", "class T_Thing : T_Base",
+           "[Abstract] class T_Thing : T_Base",
+           "T_Thing: qualifier Abstract true here but false in DMTF"},
+          {"class spelling", "T_Thing", "class T_Thing", "class T_THING",
+           "T_Thing: spelt 'T_THING' here but 'T_Thing' in DMTF"},
+          {"class unknown to DMTF", "T_Thang", "class T_Thing", "class T_Thang",
+           "T_Thang: no such class in DMTF"},
+          {"reference class", "T_Link", "T_Base REF Left", "T_Peer REF Left",
+           "T_Link.Left: type T_Peer REF here but T_Base REF in DMTF"},
+          {"return type", "T_Thing", "uint32 Run(", "uint16 Run(",
+           "T_Thing.Run: returns uint16 here but uint32 in DMTF"},
+          {"missing method", "T_Thing",
+           "  uint32 Run([In] T_Base REF Target, [In(false), Out] string Result[]);\n", "",
+           "T_Thing.Run: missing here"},
+          {"parameter order", "T_Thing", "[In] T_Base REF Target, [In(false), Out] string Result[]",
+           "[In(false), Out] string Result[], [In] T_Base REF Target",
+           "T_Thing.Run: parameters (Result, Target) here but (Target, Result) in DMTF"},
+          {"parameter spelling", "T_Thing", "REF Target", "REF target",
+           "T_Thing.Run(Target): spelt 'target' here but 'Target' in DMTF"},
+          {"parameter reference class", "T_Thing", "[In] T_Base REF", "[In] T_Peer REF",
+           "T_Thing.Run(Target): type T_Peer REF here but T_Base REF in DMTF"},
+          {"parameter array-ness", "T_Thing", "string Result[]", "string Result",
+           "T_Thing.Run(Result): type string here but string[] in DMTF"},
+          {"parameter direction", "T_Thing", "[In(false), Out]", "[Out]",
+           "T_Thing.Run(Result): direction In, Out here but Out in DMTF"},
+      },
+      classDifferences);
+}
 
-  ClassRepository dmtf;
-  ASSERT_EQ(LoadText(dmtf, Reference()), "");
-  for (const QualifierCase& c : cases) {
-    SCOPED_TRACE(c.what);
-    ClassRepository ours;
-    ASSERT_EQ(LoadText(ours, Mutated(c.from, c.to)), "");
-    const SchemaComparison comparison(ours, dmtf, kNameSpace);
-    if (c.expected.empty()) {
-      EXPECT_THAT(comparison.qualifierDifferences(c.name), IsEmpty());
-    } else {
-      EXPECT_THAT(comparison.qualifierDifferences(c.name), ElementsAre(c.expected));
-    }
-  }
+TEST(SchemaComparison, ReportsEachKindOfQualifierDisagreementByName) {
+  const auto qualifierDifferences = [](const SchemaComparison& comparison,
+                                       const ClassRepository& /*ours*/, const char* name) {
+    return comparison.qualifierDifferences(name);
+  };
+  ExpectEachCase(
+      {
+          {"identical", "Key", "Qualifier Key", "Qualifier Key", ""},
+          {"scope order does not matter", "Key", "Scope(property, reference)",
+           "Scope(reference, property)", ""},
+          {"type", "Note", "Note : string", "Note : uint32",
+           "Qualifier Note: type uint32 here but string in DMTF"},
+          {"default", "In", "In : boolean = true", "In : boolean = false",
+           "Qualifier In: default false here but true in DMTF"},
+          {"scopes", "Note", "Scope(any)", "Scope(property, class)",
+           "Qualifier Note: scopes (class, property) here but (any) in DMTF"},
+          {"flavors", "Write", "Scope(property);", "Scope(property), Flavor(DisableOverride);",
+           "Qualifier Write: flavors (DisableOverride) here but () in DMTF"},
+          {"spelling", "Key", "Qualifier Key", "Qualifier KEY",
+           "Qualifier Key: spelt 'KEY' here but 'Key' in DMTF"},
+          {"undeclared here", "Note", "Qualifier Note : string = null, Scope(any);\n", "",
+           "Qualifier Note: not declared here"},
+      },
+      qualifierDifferences);
 }
 
 }  // namespace

@@ -26,7 +26,6 @@ using cmpihost::Qualifier;
 using cmpihost::TypeDecl;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
-using ::testing::UnorderedElementsAreArray;
 
 const char kNameSpace[] = "root/cimv2";
 
@@ -132,42 +131,6 @@ TEST(OurSchema, LoadsAloneAndDeclaresEveryClassItNames) {
   std::sort(names.begin(), names.end());
   EXPECT_THAT(names, ElementsAreArray(kOurClasses));
   EXPECT_THAT(unresolved, IsEmpty());
-}
-
-// The keys make every object path the library builds (in any order: a path
-// sorts them); where DMTF's files are absent this is what still guards them.
-TEST(OurSchema, KeysAreTheOnesTheLibraryBuildsPathsFrom) {
-  struct Case {
-    const char* className;
-    std::vector<std::string> keys;
-  };
-  const std::vector<Case> cases{
-      {"CIM_DiagnosticService",
-       {"SystemCreationClassName", "SystemName", "CreationClassName", "Name"}},
-      {"CIM_ComputerSystem", {"CreationClassName", "Name"}},
-      {"CIM_LogicalDevice",
-       {"SystemCreationClassName", "SystemName", "CreationClassName", "DeviceID"}},
-      {"CIM_DiagnosticServiceRecord", {"InstanceID"}},
-      {"CIM_DiagnosticSettingData", {"InstanceID"}},
-      {"CIM_DiagnosticServiceCapabilities", {"InstanceID"}},
-      {"CIM_DiagnosticSetting", {"SettingID"}},
-      {"CIM_ConcreteJob", {"InstanceID"}},
-      {"CIM_AvailableDiagnosticService", {"ServiceProvided", "UserOfService"}},
-      {"CIM_UseOfLog", {"Antecedent", "Dependent"}},
-      {"CIM_Error", {}},
-  };
-  ClassRepository ours;
-  ASSERT_EQ(Load(ours, OurSchemaPath()), "");
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.className);
-    const ClassDecl* decl = ours.findClass(kNameSpace, c.className);
-    ASSERT_NE(decl, nullptr);
-    std::vector<std::string> keys;
-    for (const auto* key : decl->keyProperties()) {
-      keys.push_back(key->name);
-    }
-    EXPECT_THAT(keys, UnorderedElementsAreArray(c.keys));
-  }
 }
 
 TEST(OurSchema, EveryClassAgreesWithDmtf) {
