@@ -72,14 +72,6 @@ TEST_F(BrokerTablesTest, EveryReleaseRefusesANullHandleSayingWhatItWanted) {
        "not an object path of this broker (null or foreign handle)"},
       {"array", eft.newArray(broker_, 1, CMPI_uint8, nullptr)->ft->release(nullptr),
        "not an object of this broker (null or foreign handle)"},
-      {"error",
-       eft.newCMPIError(broker_, "o", "m", "x", ErrorSevLow, ErrorProbCauseUnknown,
-                        CMPI_RC_ERR_FAILED, nullptr)
-           ->ft->release(nullptr),
-       "not an error of this broker (null or foreign handle)"},
-      {"select expression",
-       eft.newSelectExp(broker_, "q", "WQL", nullptr, nullptr)->ft->release(nullptr),
-       "not a select expression of this broker"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(c.status.rc, CMPI_RC_ERR_INVALID_HANDLE) << c.type;
