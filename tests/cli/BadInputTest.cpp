@@ -1,5 +1,7 @@
 // Bad usage and bad input: each gives exit code 2, nothing on standard
 // output and exactly one line on standard error that says what and where.
+// The wording of shape errors (options, verbs, arguments) is pinned by the
+// parsing tests; here one of them shows the path to the exit code.
 // Where the host words the problem (a path's keys, a value, a MOF or
 // registration file), the command's part and the location are compared
 // exactly and the host's wording after them is left to the host's tests.
@@ -45,15 +47,6 @@ TEST(BadInputTest, UsageErrors) {
        {"eii", "Cli_Shelf"},
        "cmpihost: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
        "help; see cmpihost --help)\n"},
-      {"missing argument", {"gi"}, "cmpihost: gi: missing PATH (usage: cmpihost gi PATH)\n"},
-      {"unknown option",
-       {"--jsn", "ecn"},
-       "cmpihost: unknown option --jsn (see cmpihost --help)\n"},
-      {"option without value", {"--mof"}, "cmpihost: option --mof needs a value (FILE)\n"},
-      {"unknown filter option",
-       {"ri", kWidget, "--result-role", "X"},
-       "cmpihost: ri: unknown option --result-role (usage: cmpihost ri PATH [--result-class C] "
-       "[--role R])\n"},
       {"run without file", {"run"}, "cmpihost: run: missing FILE (usage: cmpihost run FILE)\n"},
       {"script that is a folder",
        {"run", "/"},
@@ -86,18 +79,12 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
       {"malformed keys",
        {"gi", "Cli_Shelf.Id=\"s1"},
        "cmpihost: gi: path text 'Cli_Shelf.Id=\"s1': column 14: ..."},
-      {"unknown key",
-       {"gi", "Cli_Shelf.Nope=\"s1\""},
-       "cmpihost: gi: path text 'Cli_Shelf.Nope=\"s1\"': column 16: ..."},
       {"class name where a path is needed",
        {"ei", "Cli_Shelf.Id=\"s1\""},
        "cmpihost: ei: expected a class name, not an instance path: Cli_Shelf.Id=\"s1\"\n"},
       {"unknown class",
        {"ei", "Nope"},
        "cmpihost: ei: unknown class Nope in namespace root/cimv2\n"},
-      {"unknown class in a path",
-       {"cm", "Nope.Name=\"x\"", "Twice"},
-       "cmpihost: cm: unknown class Nope in namespace root/cimv2\n"},
       {"unknown filter class",
        {"ai", kWidget, "--assoc-class", "Nope"},
        "cmpihost: ai: unknown class Nope in namespace root/cimv2\n"},
@@ -121,25 +108,15 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
       {"argument given twice",
        {"cm", kWidget, "Twice", "N=1", "n=2"},
        "cmpihost: cm: argument N is given twice\n"},
-      {"argument without a value",
-       {"cm", kWidget, "Twice", "N"},
-       "cmpihost: cm: argument \"N\" is not NAME=VALUE (usage: cmpihost cm PATH METHOD "
-       "[NAME=VALUE ...])\n"},
       {"argument of the wrong type",
        {"cm", kWidget, "Twice", "N=many"},
        "cmpihost: cm: argument N: 'many' ..."},
-      {"argument out of range",
-       {"cm", kWidget, "Twice", "N=-1"},
-       "cmpihost: cm: argument N: '-1' ..."},
       {"reference argument that is no path",
        {"cm", kWidget, "Twice", "Peer=Cli_Widget.Name=\"w2"},
        "cmpihost: cm: argument Peer: ..."},
       {"reference argument of an unknown class",
        {"cm", kWidget, "Twice", "Peer=Cli_Widgt.Name=\"w2\""},
        "cmpihost: cm: argument Peer: unknown class Cli_Widgt in namespace root/cimv2\n"},
-      {"reference argument of another namespace's class",
-       {"cm", kWidget, "Twice", "Peer=root/none:Cli_Widget.Name=\"w2\""},
-       "cmpihost: cm: argument Peer: unknown class Cli_Widget in namespace root/none\n"},
       {"reference argument of an unrelated class",
        {"cm", kWidget, "Twice", "Peer=Cli_Shelf.Id=\"s1\""},
        "cmpihost: cm: argument Peer: class Cli_Shelf is neither Cli_Element (the declared "
@@ -148,9 +125,6 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
        {"ai", kLinkToShelfAsWidget},
        "cmpihost: ai: key Widget: class Cli_Shelf is neither Cli_Widget (the declared reference "
        "class) nor a subclass of it\n"},
-      {"reference key of an unknown class",
-       {"gi", R"(Cli_WidgetOnShelf.Shelf="Cli_Shelf.Id=\"s1\"",Widget="Nope.Name=\"w1\"")"},
-       "cmpihost: gi: key Widget: unknown class Nope in namespace root/cimv2\n"},
       {"reference key that is no path",
        {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.\""},
        "cmpihost: gi: key Widget: path text 'Cli_Widget.': column 12: expected a key name\n"},

@@ -92,7 +92,6 @@ TEST(RequestTest, ShapeErrorsSayWhatAndShowTheUsage) {
       {{"gi"}, "gi: missing PATH (usage: cmpihost gi PATH)"},
       {{"cm", "P"}, "cm: missing METHOD (usage: cmpihost cm PATH METHOD [NAME=VALUE ...])"},
       {{"ei", "A", "B"}, "ei: unexpected argument \"B\" (usage: cmpihost ei CLASS)"},
-      {{"ecn", "A", "B"}, "ecn: unexpected argument \"B\" (usage: cmpihost ecn [CLASS])"},
       {{"ei", ""}, "ei: empty CLASS (usage: cmpihost ei CLASS)"},
       {{"cm", "P", "M", "N"},
        "cm: argument \"N\" is not NAME=VALUE (usage: cmpihost cm PATH METHOD [NAME=VALUE ...])"},

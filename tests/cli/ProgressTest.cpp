@@ -10,13 +10,19 @@
 namespace cmpihost::cli {
 namespace {
 
-TEST(ProgressTest, LinesModePrintsEveryCommandOnItsOwnLine) {
+TEST(ProgressTest, LinesModePrintsEveryCommandOnItsOwnLineAndOffModeNothing) {
   std::ostringstream out;
   Progress progress(out, Progress::Mode::kLines);
   progress.show(1, 2, "ecn");
   progress.clear();
   progress.show(2, 0, "ei Cli_Shelf");
   EXPECT_EQ(out.str(), "[1/2] ecn\n[2] ei Cli_Shelf\n");
+
+  std::ostringstream none;
+  Progress off(none, Progress::Mode::kOff);
+  off.show(1, 1, "ecn");
+  off.clear();
+  EXPECT_EQ(none.str(), "");
 }
 
 TEST(ProgressTest, InPlaceModeRedrawsTruncatesAndErasesOnce) {
@@ -29,14 +35,6 @@ TEST(ProgressTest, InPlaceModeRedrawsTruncatesAndErasesOnce) {
   const std::string line = "[3/40] cm " + std::string(66, 'x') + "...";
   ASSERT_EQ(line.size(), 79U);
   EXPECT_EQ(out.str(), "\r\x1b[K" + line + "\r\x1b[K");
-}
-
-TEST(ProgressTest, OffModePrintsNothing) {
-  std::ostringstream out;
-  Progress progress(out, Progress::Mode::kOff);
-  progress.show(1, 1, "ecn");
-  progress.clear();
-  EXPECT_EQ(out.str(), "");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "RunCommand.h"
 
-#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,13 +18,13 @@ std::string ReadFile(const std::string& path) {
   return text.str();
 }
 
-// In the child: point a standard stream at a file, or give up.
-void Redirect(const std::string& path, int flags, int target) {
-  const int fd = open(path.c_str(), flags, 0600);
-  if (fd < 0 || dup2(fd, target) < 0) {
-    _exit(126);
+// `word` in single quotes for /bin/sh.
+std::string Quoted(const std::string& word) {
+  std::string quoted = "'";
+  for (const char c : word) {
+    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
   }
-  close(fd);
+  return quoted + "'";
 }
 
 }  // namespace
@@ -50,31 +49,17 @@ std::string ScratchDir::write(const std::string& name, const std::string& text) 
 
 CommandResult RunCmpihost(const std::vector<std::string>& args, const std::string& input) {
   const ScratchDir scratch;
-  const std::string in = scratch.write("stdin", input);
+  std::string command = Quoted(CMPIHOST_BINARY);
+  for (const std::string& arg : args) {
+    command += " " + Quoted(arg);
+  }
   const std::string out = scratch.path() + "/stdout";
   const std::string err = scratch.path() + "/stderr";
-  std::vector<std::string> words = {CMPIHOST_BINARY};
-  words.insert(words.end(), args.begin(), args.end());
-  std::vector<char*> argv;
-  argv.reserve(words.size() + 1);
-  for (std::string& word : words) {
-    argv.push_back(word.data());
-  }
-  argv.push_back(nullptr);
-
+  command +=
+      " <" + Quoted(scratch.write("stdin", input)) + " >" + Quoted(out) + " 2>" + Quoted(err);
+  // The shell reports a child killed by signal N as exit code 128 + N.
+  const int status = std::system(command.c_str());
   CommandResult result;
-  const pid_t child = fork();
-  if (child == 0) {
-    Redirect(in, O_RDONLY, STDIN_FILENO);
-    Redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
-    Redirect(err, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-    execv(argv[0], argv.data());
-    _exit(127);
-  }
-  int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child) {
-    return result;
-  }
   result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   result.out = ReadFile(out);
   result.err = ReadFile(err);
@@ -97,6 +82,22 @@ std::vector<std::string> WithMof(std::vector<std::string> args) {
 std::vector<std::string> WithProvider(std::vector<std::string> args) {
   args.insert(args.begin(), {"--lib-dir", ProviderDir(), "--providers", DataFile("clitest.reg")});
   return WithMof(std::move(args));
+}
+
+std::string BareShelfText(const std::string& id) {
+  return "// root/cimv2:Cli_Shelf.Id=\"" + id +
+         "\"\n"
+         "instance of Cli_Shelf {\n"
+         "    Id = \"" +
+         id +
+         "\";\n"
+         "    Location = NULL;\n"
+         "    Height = NULL;\n"
+         "    Installed = NULL;\n"
+         "    Offset = NULL;\n"
+         "    Row = NULL;\n"
+         "    Levels = NULL;\n"
+         "};\n";
 }
 
 }  // namespace cmpihost::testing

@@ -41,6 +41,27 @@ std::string ProviderDir();
 std::vector<std::string> WithMof(std::vector<std::string> args);
 std::vector<std::string> WithProvider(std::vector<std::string> args);
 
+// What `ei Cli_Widget` prints for the test provider's two widgets.
+inline const std::string kWidgetsText =
+    "// root/cimv2:Cli_Widget.Name=\"w1\"\n"
+    "instance of Cli_Widget {\n"
+    "    Name = \"w1\";\n"
+    "    Count = 1;\n"
+    "    Enabled = TRUE;\n"
+    "    Tags = {\"a\", \"b \\\"quoted\\\"\"};\n"
+    "};\n"
+    "\n"
+    "// root/cimv2:Cli_Widget.Name=\"w2\"\n"
+    "instance of Cli_Widget {\n"
+    "    Name = \"w2\";\n"
+    "    Count = 3;\n"
+    "    Enabled = NULL;\n"
+    "    Tags = NULL;\n"
+    "};\n";
+
+// What `gi` prints for a shelf with nothing but its key set.
+std::string BareShelfText(const std::string& id);
+
 }  // namespace cmpihost::testing
 
 #endif  // TESTS_CLI_RUNCOMMAND_H_

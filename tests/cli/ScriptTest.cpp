@@ -19,25 +19,11 @@ TEST(ScriptTest, DemoScriptRunsEveryLineWithProgress) {
             "== Shelves ==\n"
             "root/cimv2:Cli_Shelf.Id=\"s1\"\n"
             "root/cimv2:Cli_Shelf.Id=\"s2\"\n"
-            "== Widgets ==\n"
-            "// root/cimv2:Cli_Widget.Name=\"w1\"\n"
-            "instance of Cli_Widget {\n"
-            "    Name = \"w1\";\n"
-            "    Count = 1;\n"
-            "    Enabled = TRUE;\n"
-            "    Tags = {\"a\", \"b \\\"quoted\\\"\"};\n"
-            "};\n"
-            "\n"
-            "// root/cimv2:Cli_Widget.Name=\"w2\"\n"
-            "instance of Cli_Widget {\n"
-            "    Name = \"w2\";\n"
-            "    Count = 3;\n"
-            "    Enabled = NULL;\n"
-            "    Tags = NULL;\n"
-            "};\n"
-            "ReturnValue = 42\n"
-            "Doubled = \"abab\"\n"
-            "done:  all\n");
+            "== Widgets ==\n" +
+                kWidgetsText +
+                "ReturnValue = 42\n"
+                "Doubled = \"abab\"\n"
+                "done:  all\n");
   EXPECT_EQ(result.err,
             "[1/6] echo == Shelves ==\n"
             "[2/6] ein Cli_Shelf\n"
@@ -114,17 +100,7 @@ TEST(ScriptTest, SuccessiveInstanceListingsAreSeparatedByABlankLine) {
                                            "ein Cli_Shelf\n"
                                            "gi 'Cli_Shelf.Id=\"s2\"'\n"
                                            "echo end\n");
-  const std::string shelf =
-      "// root/cimv2:Cli_Shelf.Id=\"s2\"\n"
-      "instance of Cli_Shelf {\n"
-      "    Id = \"s2\";\n"
-      "    Location = NULL;\n"
-      "    Height = NULL;\n"
-      "    Installed = NULL;\n"
-      "    Offset = NULL;\n"
-      "    Row = NULL;\n"
-      "    Levels = NULL;\n"
-      "};\n";
+  const std::string shelf = BareShelfText("s2");
   const CommandResult result = RunCmpihost(WithMof({"run", script}));
   EXPECT_EQ(result.exitCode, 1) << result.err;  // nothing serves Cli_Gadget
   // A failed request that printed nothing does not part two listings.

@@ -5,10 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "cmpihost/CallScope.h"
-#include "cmpihost/Host.h"
-#include "cmpihost/ProviderRegistration.h"
-#include "gtest/gtest.h"
+#include "HostTestSupport.h"
 
 namespace cmpihost::testing {
 namespace {
@@ -47,13 +44,9 @@ CMPIInstanceMI* Factory(const CMPIBroker* broker, const CMPIContext*, CMPIStatus
 TEST(HostConcurrencyTest, ManyThreadsShareOneHost) {
   Host host;
   host.loadMof(HOST_TEST_MOF);
-  ProviderRegistration registration;
-  registration.providerName = "Concurrent";
-  registration.classNames = {"Test_Keyed"};
-  registration.instance = true;
   MiFactories factories;
   factories.instance = Factory;
-  host.registerProvider(registration, factories);
+  host.registerProvider(Registration("Concurrent", {"Test_Keyed"}, true), factories);
   host.captureLog(true, 1000);
 
   constexpr int kThreads = 8;
@@ -72,9 +65,9 @@ TEST(HostConcurrencyTest, ManyThreadsShareOneHost) {
         CMPIStatus rc;
         CMPIEnumeration* statics = scope.broker()->bft->enumerateInstances(
             scope.broker(), scope.context(), scope.objectPath("Test_Static"), nullptr, &rc);
-        if (rc.rc == CMPI_RC_OK &&
-            statics->ft->toArray(statics, nullptr)
-                    ->ft->getSize(statics->ft->toArray(statics, nullptr), nullptr) == 3) {
+        const CMPIArray* array =
+            rc.rc == CMPI_RC_OK ? statics->ft->toArray(statics, nullptr) : nullptr;
+        if (array != nullptr && array->ft->getSize(array, nullptr) == 3) {
           ++good;
         }
       }

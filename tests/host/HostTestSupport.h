@@ -9,11 +9,42 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cmpihost/CallScope.h"
 #include "cmpihost/Host.h"
+#include "cmpihost/ProviderRegistration.h"
 
 namespace cmpihost::testing {
+
+// The text of the HostError that `call` throws, or "(no error)".
+template <typename Call>
+std::string HostErrorOf(Call&& call) {
+  try {
+    call();
+  } catch (const HostError& error) {
+    return error.what();
+  }
+  return "(no error)";
+}
+
+inline std::string Text(const CMPIString* string) {
+  return string == nullptr ? "<null>" : string->ft->getCharPtr(string, nullptr);
+}
+
+// A registration in root/cimv2 for `classes`, of the kinds asked for.
+inline ProviderRegistration Registration(std::string name, std::vector<std::string> classes,
+                                         bool instance, bool method = false,
+                                         bool association = false) {
+  ProviderRegistration registration;
+  registration.providerName = std::move(name);
+  registration.classNames = std::move(classes);
+  registration.instance = instance;
+  registration.method = method;
+  registration.association = association;
+  return registration;
+}
 
 // A host with tests/host/data/test.mof in root/cimv2 and a call scope open
 // on the test's thread.
@@ -35,8 +66,10 @@ class HostTest : public ::testing::Test {
 
   CMPIString* string(const char* text) { return broker_->eft->newString(broker_, text, nullptr); }
 
-  static std::string Text(const CMPIString* string) {
-    return string == nullptr ? "<null>" : string->ft->getCharPtr(string, nullptr);
+  CMPIStatus setString(CMPIInstance* target, const char* name, const char* text) {
+    CMPIValue value;
+    value.string = string(text);
+    return target->ft->setProperty(target, name, &value, CMPI_string);
   }
 
   std::string pathText(const CMPIObjectPath* objectPath) {

@@ -59,12 +59,10 @@ TEST_F(PathTextTest, BadTextsNameTheProblemAndColumn) {
       {R"(Test_Keyed.Name="abc)", "column 17: the string value of 'Name' is not terminated"},
       {R"(Test_Keyed.Name="a" ,Number=1)",
        "column 20: expected ',' or the end of the text after the value of 'Name'"},
-      {R"(Test_Keyed.Name="a",)", "column 21: expected a key name"},
       {R"(Test_Keyed.Name="a",name="b")", "column 21: key 'name' is given twice"},
       {"Test_Keyed.Name=bare", "column 17: key Name: 'bare' must be written in double quotes"},
       {"Test_Keyed.Number=abc", "column 19: key Number: 'abc' is not a uint32 (0 to 4294967295)"},
       {"Test_Keyed.Number=4294967296", "key Number: '4294967296' is not a uint32"},
-      {"Test_Keyed.Number=-1", "key Number: '-1' is not a uint32"},
       {"Test_Keyed.Flag=yes", "column 17: key Flag: 'yes' is not TRUE or FALSE"},
       {R"(Test_Keyed.Nope="x")", "column 17: class Test_Keyed has no property 'Nope'"},
       {R"(Test_Keyed.Note="x")", "column 17: property Note of class Test_Keyed is not a key"},
@@ -76,13 +74,9 @@ TEST_F(PathTextTest, BadTextsNameTheProblemAndColumn) {
        "value"},
   };
   for (const auto& c : cases) {
-    try {
-      host_.getInstance(c.text);
-      ADD_FAILURE() << "accepted: " << c.text;
-    } catch (const HostError& error) {
-      EXPECT_NE(std::string(error.what()).find(c.message), std::string::npos)
-          << c.text << "\n  gave: " << error.what() << "\n  want: " << c.message;
-    }
+    const std::string error = HostErrorOf([&] { host_.getInstance(c.text); });
+    EXPECT_NE(error.find(c.message), std::string::npos)
+        << c.text << "\n  gave: " << error << "\n  want: " << c.message;
     std::string problem;
     EXPECT_EQ(scope_->objectPath(c.text, &problem), nullptr) << c.text;
     EXPECT_NE(problem.find(c.message), std::string::npos) << problem;

@@ -1,12 +1,13 @@
 // Providers registered in code: lazy creation of MIs, refusals, and how each
 // request is routed (class tree, nearest ancestor, association providers),
 // typed, scoped and recorded; static instances beside them.
-#include <algorithm>
+#include <initializer_list>
 #include <mutex>
 #include <stdexcept>
+#include <type_traits>
 
 #include "HostTestSupport.h"
-#include "cmpihost/ProviderRegistration.h"
+#include "cmpihost/CmpiNames.h"
 
 namespace cmpihost::testing {
 namespace {
@@ -27,32 +28,37 @@ struct TestProvider {
   CMPIAssociationMI associationMI{};
 };
 
-TestProvider gProviders[4];
+TestProvider gProviders[3];
 std::mutex gCallsMutex;
 std::vector<std::string> gCalls;
 
-void Note(const std::string& call) {
-  std::lock_guard<std::mutex> lock(gCallsMutex);
-  gCalls.push_back(call);
-}
-
-TestProvider& Of(const void* hdl) {
-  return *static_cast<TestProvider*>(const_cast<void*>(hdl));
-}
-
-std::string Text(const CMPIString* string) {
-  return string == nullptr ? "-" : string->ft->getCharPtr(string, nullptr);
+template <typename MI>
+TestProvider& Of(const MI* mi) {
+  return *static_cast<TestProvider*>(const_cast<void*>(mi->hdl));
 }
 
 std::string ClassOf(const CMPIObjectPath* path) {
   return Text(path->ft->getClassName(path, nullptr));
 }
 
-std::string OrDash(const char* text) {
-  return text == nullptr ? "-" : text;
+std::string PathOf(const CMPIObjectPath* path) {
+  return Text(path->ft->toString(path, nullptr));
 }
 
-CMPIStatus Answer(TestProvider& provider) {
+// Notes "<provider>.<call> <subject> <words...>", a null word as "-".
+void Note(const TestProvider& provider, const char* call, const std::string& subject,
+          std::initializer_list<const char*> words = {}) {
+  std::string line = provider.name + "." + call + " " + subject;
+  for (const char* word : words) {
+    line += std::string(" ") + (word == nullptr ? "-" : word);
+  }
+  std::lock_guard<std::mutex> lock(gCallsMutex);
+  gCalls.push_back(line);
+}
+
+// Ends every request: done, then the provider's configured answer.
+CMPIStatus Answer(TestProvider& provider, const CMPIResult* result) {
+  result->ft->returnDone(result);
   if (provider.throwInRequests) {
     throw std::runtime_error("boom");
   }
@@ -74,104 +80,64 @@ CMPIInstance* MakeInstance(TestProvider& provider, const CMPIObjectPath* referen
   return instance;
 }
 
-CMPIStatus Cleanup(TestProvider& provider, const char* kind, CMPIBoolean terminating) {
+template <typename MI>
+CMPIStatus Cleanup(MI* mi, const CMPIContext*, CMPIBoolean terminating) {
+  TestProvider& provider = Of(mi);
   const bool scoped = provider.broker->eft->newString(provider.broker, "x", nullptr) != nullptr;
-  Note(provider.name + "." + kind + " cleanup terminating=" + std::to_string(terminating) +
-       (scoped ? " scoped" : " unscoped"));
+  const char* kind = std::is_same_v<MI, CMPIInstanceMI> ? "Instance"
+                     : std::is_same_v<MI, CMPIMethodMI> ? "Method"
+                                                        : "Association";
+  Note(provider, "cleanup", kind,
+       {terminating != 0 ? "terminating" : "idle", scoped ? "scoped" : "unscoped"});
   return CMPIStatus{CMPI_RC_OK, nullptr};
-}
-
-CMPIStatus InstanceCleanup(CMPIInstanceMI* mi, const CMPIContext*, CMPIBoolean terminating) {
-  return Cleanup(Of(mi->hdl), "Instance", terminating);
 }
 
 CMPIStatus EnumNames(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
                      const CMPIObjectPath* reference) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".enumerateInstanceNames " + ClassOf(reference));
-  CMPIInstance* instance = MakeInstance(provider, reference);
+  CMPIInstance* instance = MakeInstance(Of(mi), reference);
   result->ft->returnObjectPath(result, instance->ft->getObjectPath(instance, nullptr));
-  result->ft->returnDone(result);
-  return Answer(provider);
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus Enum(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
                 const CMPIObjectPath* reference, const char** properties) {
-  TestProvider& provider = Of(mi->hdl);
   const CMPIData nameSpace = context->ft->getEntry(context, CMPIInitNameSpace, nullptr);
-  Note(provider.name + ".enumerateInstances " + ClassOf(reference) + " in " +
-       Text(nameSpace.value.string) +
-       (properties == nullptr ? "" : " first=" + OrDash(*properties)));
-  result->ft->returnInstance(result, MakeInstance(provider, reference));
-  result->ft->returnDone(result);
-  return Answer(provider);
+  std::string subject = ClassOf(reference) + " in " + Text(nameSpace.value.string);
+  if (properties != nullptr) {
+    subject += std::string(" first=") + (*properties == nullptr ? "-" : *properties);
+  }
+  Note(Of(mi), "enumerateInstances", subject);
+  result->ft->returnInstance(result, MakeInstance(Of(mi), reference));
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus Get(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
                const CMPIObjectPath* path, const char**) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".getInstance " + Text(path->ft->toString(path, nullptr)));
-  CMPIInstance* instance = provider.broker->eft->newInstance(provider.broker, path, nullptr);
-  result->ft->returnInstance(result, instance);
-  result->ft->returnDone(result);
-  return Answer(provider);
+  Note(Of(mi), "getInstance", PathOf(path));
+  result->ft->returnInstance(result, Of(mi).broker->eft->newInstance(Of(mi).broker, path, nullptr));
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus Create(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
                   const CMPIObjectPath* path, const CMPIInstance* instance) {
-  TestProvider& provider = Of(mi->hdl);
   const CMPIData note = instance->ft->getProperty(instance, "Note", nullptr);
   const CMPIData number = instance->ft->getProperty(instance, "Number", nullptr);
-  Note(provider.name + ".createInstance " + ClassOf(path) + " Note=" + Text(note.value.string) +
-       " Number=" + std::to_string(number.value.uint32));
+  Note(Of(mi), "createInstance", ClassOf(path),
+       {Text(note.value.string).c_str(), std::to_string(number.value.uint32).c_str()});
   result->ft->returnObjectPath(result, instance->ft->getObjectPath(instance, nullptr));
-  result->ft->returnDone(result);
-  return Answer(provider);
-}
-
-CMPIStatus Modify(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
-                  const CMPIObjectPath* path, const CMPIInstance*, const char** properties) {
-  TestProvider& provider = Of(mi->hdl);
-  std::string names;
-  for (const char** name = properties; name != nullptr && *name != nullptr; ++name) {
-    names += std::string(" ") + *name;
-  }
-  Note(provider.name + ".modifyInstance " + ClassOf(path) + names);
-  result->ft->returnDone(result);
-  return Answer(provider);
-}
-
-CMPIStatus Delete(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
-                  const CMPIObjectPath* path) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".deleteInstance " + Text(path->ft->toString(path, nullptr)));
-  result->ft->returnDone(result);
-  return Answer(provider);
-}
-
-CMPIStatus Query(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* result,
-                 const CMPIObjectPath* path, const char* query, const char* language) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".execQuery " + ClassOf(path) + " " + query + " " + language);
-  result->ft->returnDone(result);
-  return Answer(provider);
-}
-
-CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext*, CMPIBoolean terminating) {
-  return Cleanup(Of(mi->hdl), "Method", terminating);
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus Invoke(CMPIMethodMI* mi, const CMPIContext*, const CMPIResult* result,
                   const CMPIObjectPath* path, const char* method, const CMPIArgs* in,
                   CMPIArgs* out) {
-  TestProvider& provider = Of(mi->hdl);
   std::string arguments;
   for (CMPICount i = 0; i < in->ft->getArgCount(in, nullptr); ++i) {
     CMPIString* name = nullptr;
     const CMPIData data = in->ft->getArgAt(in, i, &name, nullptr);
-    arguments += " " + Text(name) + ":" + std::to_string(data.type);
+    arguments += " " + Text(name) + ":" + CmpiTypeName(data.type);
   }
-  Note(provider.name + ".invokeMethod " + ClassOf(path) + "." + method + arguments);
+  Note(Of(mi), "invokeMethod", ClassOf(path) + "." + method + arguments);
   const CMPIData text = in->ft->getArg(in, "Text", nullptr);
   if (text.type == CMPI_string) {
     CMPIValue echo;
@@ -181,52 +147,35 @@ CMPIStatus Invoke(CMPIMethodMI* mi, const CMPIContext*, const CMPIResult* result
   CMPIValue value;
   value.uint32 = 42;
   result->ft->returnData(result, &value, CMPI_uint32);
-  result->ft->returnDone(result);
-  return Answer(provider);
-}
-
-CMPIStatus AssociationCleanup(CMPIAssociationMI* mi, const CMPIContext*, CMPIBoolean terminating) {
-  return Cleanup(Of(mi->hdl), "Association", terminating);
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus Associators(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
                        const CMPIObjectPath* path, const char* assocClass, const char* resultClass,
                        const char* role, const char* resultRole, const char**) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".associators " + ClassOf(path) + " " + OrDash(assocClass) + " " +
-       OrDash(resultClass) + " " + OrDash(role) + " " + OrDash(resultRole));
-  result->ft->returnInstance(result, MakeInstance(provider, path));
-  result->ft->returnDone(result);
-  return Answer(provider);
+  Note(Of(mi), "associators", ClassOf(path), {assocClass, resultClass, role, resultRole});
+  result->ft->returnInstance(result, MakeInstance(Of(mi), path));
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus AssociatorNames(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
                            const CMPIObjectPath* path, const char* assocClass,
                            const char* resultClass, const char* role, const char* resultRole) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".associatorNames " + ClassOf(path) + " " + OrDash(assocClass) + " " +
-       OrDash(resultClass) + " " + OrDash(role) + " " + OrDash(resultRole));
-  result->ft->returnDone(result);
-  return Answer(provider);
+  Note(Of(mi), "associatorNames", ClassOf(path), {assocClass, resultClass, role, resultRole});
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
                       const CMPIObjectPath* path, const char* resultClass, const char* role,
                       const char**) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".references " + ClassOf(path) + " " + OrDash(resultClass) + " " +
-       OrDash(role));
-  result->ft->returnDone(result);
-  return Answer(provider);
+  Note(Of(mi), "references", ClassOf(path), {resultClass, role});
+  return Answer(Of(mi), result);
 }
 
 CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
                           const CMPIObjectPath* path, const char* resultClass, const char* role) {
-  TestProvider& provider = Of(mi->hdl);
-  Note(provider.name + ".referenceNames " + ClassOf(path) + " " + OrDash(resultClass) + " " +
-       OrDash(role));
-  result->ft->returnDone(result);
-  return Answer(provider);
+  Note(Of(mi), "referenceNames", ClassOf(path), {resultClass, role});
+  return Answer(Of(mi), result);
 }
 
 template <typename MI>
@@ -242,52 +191,30 @@ MI* Made(TestProvider& provider, MI* mi, const CMPIBroker* broker, CMPIStatus* r
 }
 
 template <int N>
-CMPIInstanceMI* InstanceFactory(const CMPIBroker* broker, const CMPIContext*, CMPIStatus* rc) {
-  return Made(gProviders[N], &gProviders[N].instanceMI, broker, rc);
-}
-template <int N>
-CMPIMethodMI* MethodFactory(const CMPIBroker* broker, const CMPIContext*, CMPIStatus* rc) {
-  return Made(gProviders[N], &gProviders[N].methodMI, broker, rc);
-}
-template <int N>
-CMPIAssociationMI* AssociationFactory(const CMPIBroker* broker, const CMPIContext*,
-                                      CMPIStatus* rc) {
-  return Made(gProviders[N], &gProviders[N].associationMI, broker, rc);
-}
-
-template <int N>
 MiFactories FactoriesOf() {
   MiFactories factories;
-  factories.instance = InstanceFactory<N>;
-  factories.method = MethodFactory<N>;
-  factories.association = AssociationFactory<N>;
+  factories.instance = [](const CMPIBroker* broker, const CMPIContext*, CMPIStatus* rc) {
+    return Made(gProviders[N], &gProviders[N].instanceMI, broker, rc);
+  };
+  factories.method = [](const CMPIBroker* broker, const CMPIContext*, CMPIStatus* rc) {
+    return Made(gProviders[N], &gProviders[N].methodMI, broker, rc);
+  };
+  factories.association = [](const CMPIBroker* broker, const CMPIContext*, CMPIStatus* rc) {
+    return Made(gProviders[N], &gProviders[N].associationMI, broker, rc);
+  };
   return factories;
 }
 
-const CMPIInstanceMIFT kInstanceFT = {CMPIVersion200, CMPIVersion200, "instance", InstanceCleanup,
-                                      EnumNames,      Enum,           Get,        Create,
-                                      Modify,         Delete,         Query};
-const CMPIMethodMIFT kMethodFT = {CMPIVersion200, CMPIVersion200, "method", MethodCleanup, Invoke};
-const CMPIAssociationMIFT kAssociationFT = {CMPIVersion200,     CMPIVersion200, "association",
-                                            AssociationCleanup, Associators,    AssociatorNames,
-                                            References,         ReferenceNames};
-
-void ResetProviders() {
-  const char* names[] = {"P0", "P1", "P2", "P3"};
-  for (int i = 0; i < 4; ++i) {
-    TestProvider& p = gProviders[i];
-    p = TestProvider();
-    p.name = names[i];
-    p.instanceMI.hdl = &p;
-    p.instanceMI.ft = const_cast<CMPIInstanceMIFT*>(&kInstanceFT);
-    p.methodMI.hdl = &p;
-    p.methodMI.ft = const_cast<CMPIMethodMIFT*>(&kMethodFT);
-    p.associationMI.hdl = &p;
-    p.associationMI.ft = const_cast<CMPIAssociationMIFT*>(&kAssociationFT);
-  }
-  std::lock_guard<std::mutex> lock(gCallsMutex);
-  gCalls.clear();
-}
+// Modify, delete and query take the same route as get and create; the
+// library's provider-entry tests send them through it.
+CMPIInstanceMIFT gInstanceFT = {CMPIVersion200, CMPIVersion200, "instance", Cleanup<CMPIInstanceMI>,
+                                EnumNames,      Enum,           Get,        Create,
+                                nullptr,        nullptr,        nullptr};
+CMPIMethodMIFT gMethodFT = {CMPIVersion200, CMPIVersion200, "method", Cleanup<CMPIMethodMI>,
+                            Invoke};
+CMPIAssociationMIFT gAssociationFT = {
+    CMPIVersion200, CMPIVersion200,  "association", Cleanup<CMPIAssociationMI>,
+    Associators,    AssociatorNames, References,    ReferenceNames};
 
 void ClearCalls() {
   std::lock_guard<std::mutex> lock(gCallsMutex);
@@ -301,18 +228,24 @@ std::vector<std::string> Calls() {
 
 class ProviderDispatchTest : public HostTest {
  protected:
-  ProviderDispatchTest() { ResetProviders(); }
+  ProviderDispatchTest() {
+    for (int i = 0; i < 3; ++i) {
+      TestProvider& p = gProviders[i];
+      p = TestProvider();
+      p.name = "P" + std::to_string(i);
+      p.instanceMI = {&p, &gInstanceFT};
+      p.methodMI = {&p, &gMethodFT};
+      p.associationMI = {&p, &gAssociationFT};
+    }
+    ClearCalls();
+  }
 
   template <int N>
   void registerAs(std::vector<std::string> classes, bool instance, bool method = false,
                   bool association = false) {
-    ProviderRegistration registration;
-    registration.providerName = gProviders[N].name;
-    registration.classNames = std::move(classes);
-    registration.instance = instance;
-    registration.method = method;
-    registration.association = association;
-    host_.registerProvider(registration, FactoriesOf<N>());
+    host_.registerProvider(
+        Registration(gProviders[N].name, std::move(classes), instance, method, association),
+        FactoriesOf<N>());
   }
 };
 
@@ -337,16 +270,11 @@ TEST_F(ProviderDispatchTest, ActivateProvidersReportsEveryRefusal) {
   registerAs<0>({"Test_Keyed"}, true);
   registerAs<1>({"Test_Keyed"}, true);
   registerAs<2>({"Test_Link"}, false, false, true);
-  try {
-    host_.activateProviders();
-    ADD_FAILURE() << "no refusal reported";
-  } catch (const HostError& error) {
-    EXPECT_EQ(std::string(error.what()),
-              "provider P1, Instance MI: the in-process Instance MI factory returned no MI (or one "
-              "without a function table)\n"
-              "provider P2, Association MI: the in-process Association MI factory answered rc 1 "
-              "(nope)");
-  }
+  EXPECT_EQ(HostErrorOf([&] { host_.activateProviders(); }),
+            "provider P1, Instance MI: the in-process Instance MI factory returned no MI (or one "
+            "without a function table)\n"
+            "provider P2, Association MI: the in-process Association MI factory answered rc 1 "
+            "(nope)");
   // A refused provider's requests fail with the reason; it is not asked again.
   const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Keyed");
   EXPECT_EQ(reply.status.rc, CMPI_RC_ERR_FAILED);
@@ -381,27 +309,17 @@ TEST_F(ProviderDispatchTest, EnumerationCallsEachProviderOncePerClassOfTheTree) 
                                                      R"(root/cimv2:Test_KeyedChild.Name="P1")"}));
 }
 
-TEST_F(ProviderDispatchTest, StaticInstancesAreServedWithTheirDeclaredTypes) {
+// Static instances' values as printed are pinned by the command's output tests.
+TEST_F(ProviderDispatchTest, StaticInstancesAreServedWithTheirDeclaredTypesAndDefaults) {
   const Reply reply = host_.enumerateInstances("root/cimv2", "Test_Static");
   EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
   EXPECT_EQ(reply.providerCalls, 0u);
   const std::vector<InstanceSnapshot> instances = reply.instances();
   ASSERT_EQ(instances.size(), 3u);
-  EXPECT_EQ(instances[0].path, R"(root/cimv2:Test_Static.Name="one")");
-  EXPECT_EQ(instances[0].find("Value")->type, CMPI_uint32);
-  EXPECT_EQ(instances[0].find("Value")->uint, 1u);
   EXPECT_EQ(instances[0].find("When")->type, CMPI_dateTime);
   EXPECT_EQ(instances[0].find("When")->text, "20240102030405.000006+060");
   EXPECT_EQ(instances[1].find("Value")->uint, 3u);  // the class default
-  EXPECT_TRUE(instances[1].find("When")->isNull());
-  EXPECT_EQ(instances[2].className, "Test_StaticChild");
-  EXPECT_EQ(instances[2].find("Extra")->text, "x");
-
-  EXPECT_EQ(host_.enumerateInstanceNames("root/cimv2", "Test_StaticChild").paths(),
-            std::vector<std::string>{R"(root/cimv2:Test_StaticChild.Name="child")"});
-  const Reply two = host_.getInstance(R"(Test_Static.Name="two")");
-  ASSERT_EQ(two.instances().size(), 1u);
-  EXPECT_EQ(two.instances()[0].find("Value")->uint, 3u);
+  EXPECT_EQ(instances[2].path, R"(root/cimv2:Test_StaticChild.Name="child")");
   EXPECT_EQ(host_.getInstance(R"(Test_Static.Name="none")").status.rc, CMPI_RC_ERR_NOT_FOUND);
 }
 
@@ -415,8 +333,6 @@ TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances)
   while (statics->ft->hasNext(statics, nullptr) != 0) {
     const CMPIData item = statics->ft->getNext(statics, nullptr);
     ASSERT_EQ(item.type, CMPI_instance);
-    const CMPIData value = item.value.inst->ft->getProperty(item.value.inst, "Value", nullptr);
-    EXPECT_EQ(value.type, CMPI_uint32);
     names.push_back(
         Text(item.value.inst->ft->getProperty(item.value.inst, "Name", nullptr).value.string));
   }
@@ -456,18 +372,10 @@ TEST_F(ProviderDispatchTest, InstanceRequestsGoToTheNearestAncestorWithAProvider
       R"(Test_KeyedChild.Name="new")", {{"Note", "a note", std::nullopt}, {"Number", "9", {}}});
   EXPECT_EQ(created.paths(),
             std::vector<std::string>{R"(root/cimv2:Test_KeyedChild.Name="new",Number=9)"});
-  host_.modifyInstance(R"(Test_Keyed.Name="m")", {{"Note", "n", {}}});
-  host_.deleteInstance(R"(Test_Keyed.Name="d")");
-  host_.execQuery("root/cimv2", "Test_Keyed", "SELECT * FROM Test_Keyed", "WQL");
   EXPECT_EQ(Calls(), (std::vector<std::string>{
                          R"(P0.getInstance root/cimv2:Test_KeyedChild.Name="c",Number=2)",
-                         "P0.createInstance Test_KeyedChild Note=a note Number=9",
-                         "P0.modifyInstance Test_Keyed Note",
-                         R"(P0.deleteInstance root/cimv2:Test_Keyed.Name="d")",
-                         "P0.execQuery Test_Keyed SELECT * FROM Test_Keyed WQL",
+                         "P0.createInstance Test_KeyedChild a note 9",
                      }));
-  EXPECT_THROW(host_.createInstance(R"(Test_Keyed.Name="x")", {{"Nope", "1", {}}}), HostError);
-  EXPECT_THROW(host_.createInstance(R"(Test_Keyed.Name="x")", {{"Number", "many", {}}}), HostError);
 }
 
 TEST_F(ProviderDispatchTest, MethodArgumentsAreTypedFromTheDeclaredParameters) {
@@ -482,30 +390,23 @@ TEST_F(ProviderDispatchTest, MethodArgumentsAreTypedFromTheDeclaredParameters) {
                                          &out);
   EXPECT_EQ(reply.status.rc, CMPI_RC_OK);
   ASSERT_EQ(reply.data().size(), 1u);
-  EXPECT_EQ(reply.data()[0].type, CMPI_uint32);
   EXPECT_EQ(reply.data()[0].uint, 42u);
   EXPECT_EQ(Calls()[0],
-            "P0.invokeMethod Test_Keyed.Run Text:" + std::to_string(CMPI_string) +
-                " Count:" + std::to_string(CMPI_uint16) + " Target:" + std::to_string(CMPI_ref) +
-                " Items:" + std::to_string(CMPI_stringA) + " Extra:" + std::to_string(CMPI_sint64));
+            "P0.invokeMethod Test_Keyed.Run Text:string Count:uint16 Target:ref "
+            "Items:string[] Extra:sint64");
   ASSERT_EQ(out.size(), 1u);
   EXPECT_EQ(out[0].name, "Echo");
   EXPECT_EQ(out[0].value.text, "hello");
 
-  try {
-    host_.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {{"Count", "seven", {}}});
-    ADD_FAILURE();
-  } catch (const HostError& error) {
-    EXPECT_EQ(std::string(error.what()), "argument Count: 'seven' is not a uint16 (0 to 65535)");
-  }
-  try {
-    host_.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {{"Unknown", "1", {}}});
-    ADD_FAILURE();
-  } catch (const HostError& error) {
-    EXPECT_EQ(std::string(error.what()),
-              "argument Unknown: method Run of class Test_Keyed has no parameter Unknown to type "
-              "it by; give Argument::type");
-  }
+  EXPECT_EQ(HostErrorOf([&] {
+              host_.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {{"Count", "seven", {}}});
+            }),
+            "argument Count: 'seven' is not a uint16 (0 to 65535)");
+  EXPECT_EQ(HostErrorOf([&] {
+              host_.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {{"Unknown", "1", {}}});
+            }),
+            "argument Unknown: method Run of class Test_Keyed has no parameter Unknown to type "
+            "it by; give Argument::type");
 }
 
 TEST_F(ProviderDispatchTest, AssociationRequestsReachEachAssociationProviderOnce) {
@@ -575,22 +476,16 @@ TEST_F(ProviderDispatchTest, DestroyingTheHostCleansUpEveryCreatedMiInAScope) {
   {
     Host host;
     host.loadMof(HOST_TEST_MOF);
-    ProviderRegistration registration;
-    registration.providerName = "P0";
-    registration.classNames = {"Test_Keyed"};
-    registration.instance = true;
-    registration.method = true;
-    host.registerProvider(registration, FactoriesOf<0>());
-    registration.providerName = "P1";
-    host.registerProvider(registration, FactoriesOf<1>());
+    host.registerProvider(Registration("P0", {"Test_Keyed"}, true, true), FactoriesOf<0>());
+    host.registerProvider(Registration("P1", {"Test_Keyed"}, true, true), FactoriesOf<1>());
     host.enumerateInstances("root/cimv2", "Test_Keyed");     // P0 and P1 instance MIs
     host.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {});  // P0's method MI
     ClearCalls();
   }
   EXPECT_EQ(Calls(), (std::vector<std::string>{
-                         "P0.Method cleanup terminating=1 scoped",
-                         "P1.Instance cleanup terminating=1 scoped",
-                         "P0.Instance cleanup terminating=1 scoped",
+                         "P0.cleanup Method terminating scoped",
+                         "P1.cleanup Instance terminating scoped",
+                         "P0.cleanup Instance terminating scoped",
                      }));
 }
 
