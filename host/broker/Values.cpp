@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace cmpihost {
@@ -327,16 +328,39 @@ namespace {
 
 // Appends `text` in double quotes, a backslash before each '"' and '\\';
 // the runs between them go in whole.
+// The position of the first '"' or '\\' in `text` from `from`, or its size:
+// eight characters per step, since every key value of every printed path is
+// scanned and nearly none holds either.
+std::size_t NextToEscape(const std::string& text, std::size_t from) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+  constexpr std::uint64_t kHighBits = 0x8080808080808080ULL;
+  const auto hasZeroByte = [](std::uint64_t word) {
+    return ((word - kOnes) & ~word & kHighBits) != 0;
+  };
+  std::size_t at = from;
+  for (; at + 8 <= text.size(); at += 8) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + at, 8);
+    if (hasZeroByte(word ^ ('"' * kOnes)) || hasZeroByte(word ^ ('\\' * kOnes))) {
+      break;  // one of the eight is; found below
+    }
+  }
+  for (; at < text.size(); ++at) {
+    if (text[at] == '"' || text[at] == '\\') {
+      return at;
+    }
+  }
+  return at;
+}
+
 void AppendQuoted(std::string& out, const std::string& text) {
   out += '"';
   std::size_t start = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '"' || text[i] == '\\') {
-      out.append(text, start, i - start);
-      out += '\\';
-      out += text[i];
-      start = i + 1;
-    }
+  for (std::size_t i = NextToEscape(text, 0); i < text.size(); i = NextToEscape(text, i + 1)) {
+    out.append(text, start, i - start);
+    out += '\\';
+    out += text[i];
+    start = i + 1;
   }
   out.append(text, start, std::string::npos);
   out += '"';
