@@ -33,21 +33,18 @@ void Trace(const CMPIBroker* broker, int severity, std::initializer_list<std::st
   for (const std::string_view part : parts) {
     length += part.size();
   }
-  // Plain arrays, so that a thread's buffer needs no construction and leaves
-  // nothing behind when the thread ends. `taken` guards against a broker that
-  // traces back into the library (none should) while the buffer is being read.
-  thread_local char buffer[kBufferSize];
-  thread_local bool taken = false;
-  if (length < kBufferSize && !taken) {
+  // On the stack: nothing to construct, nothing left behind, no thread-local
+  // lookup per trace (a shared library reaches its thread-locals through a
+  // call), and a broker that traces back into the library gets its own.
+  char buffer[kBufferSize];
+  if (length < kBufferSize) {
     char* out = buffer;
     for (const std::string_view part : parts) {
       std::memcpy(out, part.data(), part.size());
       out += part.size();
     }
     *out = '\0';
-    taken = true;
     Trace(broker, severity, buffer);
-    taken = false;
     return;
   }
   std::string text;

@@ -150,13 +150,15 @@ ShapeLookup LookupOf(Host::Impl& host) {
 struct RequestPath {
   PathData path;
   bool knownClass = false;
+  const ClassDecl* decl = nullptr;  // the path's class, when known
 };
 
 RequestPath ParseRequestPath(Host::Impl& host, const std::string& text) {
   const PathSyntax syntax = ParsePathSyntax(text);
   RequestPath request;
   const std::string nameSpace = syntax.nameSpace.empty() ? host.defaultNameSpace : syntax.nameSpace;
-  request.knownClass = host.repository.findClass(nameSpace, syntax.className) != nullptr;
+  request.decl = host.repository.findClass(nameSpace, syntax.className);
+  request.knownClass = request.decl != nullptr;
   if (!request.knownClass) {
     request.path.host = syntax.host;
     request.path.nameSpace = nameSpace;
@@ -412,8 +414,9 @@ Reply Host::invokeMethod(const std::string& pathText, const std::string& method,
   if (!request.knownClass) {
     return UnknownClassReply(request.path);
   }
-  const ClassDecl* decl =
-      impl_->repository.findClass(request.path.nameSpace, request.path.className);
+  // Found while the path was read; the repository is not changed while a
+  // request is served.
+  const ClassDecl* decl = request.decl;
   const MethodDecl* declared = decl->findMethod(method);
   NamedValues arguments;
   for (const Argument& argument : in) {

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace cmpihost {
@@ -197,25 +198,56 @@ char LowerAscii(char c) {
   return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// Length, first and last letter, case folded: enough to tell apart the
-// names of one class in nearly every case, and cheaper than reading them.
-std::size_t NoCaseNameHash(std::string_view name) {
+// Length and three letters (first, middle, last), case folded by | 0x20
+// (A-Z become a-z, so names equal without case hash the same; the few other
+// characters it folds together only cost a comparison). Reading every
+// character cost more than the probes it saves; length and end letters alone
+// made names like "LoopsFailed" and "LoopsPassed" probe each other.
+std::uint32_t NoCaseNameHash(std::string_view name) {
   if (name.empty()) {
     return 0;
   }
-  return (name.size() * 131) ^ (static_cast<unsigned char>(LowerAscii(name.front())) * 31U) ^
-         static_cast<unsigned char>(LowerAscii(name.back()));
+  const auto folded = [&name](std::size_t i) {
+    return static_cast<std::uint32_t>(static_cast<unsigned char>(name[i] | 0x20));
+  };
+  const std::uint32_t mixed = static_cast<std::uint32_t>(name.size()) * 0x9E3779B1U ^
+                              folded(0) * 0x85EBCA77U ^ folded(name.size() / 2) * 0xC2B2AE3DU ^
+                              folded(name.size() - 1) * 0x27D4EB2FU;
+  return mixed ^ (mixed >> 15);
 }
 
+// Callers nearly always give the declared spelling: one memcmp answers
+// those; ASCII case folding in line answers the rest, as CIM names need.
 bool SameName(const std::string& declared, std::string_view name) {
-  return declared.size() == name.size() &&
-         strncasecmp(declared.data(), name.data(), name.size()) == 0;
+  if (declared.size() != name.size()) {
+    return false;
+  }
+  if (std::string_view(declared) == name) {
+    return true;
+  }
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char a = declared[i];
+    const char b = name[i];
+    if (a != b && LowerAscii(a) != LowerAscii(b)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+constexpr std::uint32_t kIndexBits = 16;
+constexpr std::uint32_t kIndexMask = (1U << kIndexBits) - 1;
+
+// A slot holds the property's index + 1 in its low half (0: free) and the
+// high half of the name's hash, which turns away most other names unread.
+std::uint32_t HashTag(std::uint32_t hash) {
+  return hash & ~kIndexMask;
 }
 
 }  // namespace
 
 void ClassShape::buildIndex() {
-  if (properties.size() >= 0x8000) {
+  if (properties.size() >= kIndexMask) {
     return;  // more than any class declares: find keeps comparing names
   }
   std::size_t size = 4;
@@ -224,11 +256,12 @@ void ClassShape::buildIndex() {
   }
   slots_.assign(size, 0);
   for (std::size_t i = 0; i < properties.size(); ++i) {
-    std::size_t slot = NoCaseNameHash(properties[i].name) & (size - 1);
+    const std::uint32_t hash = NoCaseNameHash(properties[i].name);
+    std::size_t slot = hash & (size - 1);
     while (slots_[slot] != 0) {
       slot = (slot + 1) & (size - 1);
     }
-    slots_[slot] = static_cast<std::uint16_t>(i + 1);
+    slots_[slot] = HashTag(hash) | static_cast<std::uint32_t>(i + 1);
   }
 }
 
@@ -236,10 +269,15 @@ void ClassShape::buildIndex() {
 // is indexed, and a C string argument needs no std::string made of it.
 std::optional<std::size_t> ClassShape::find(std::string_view name) const {
   if (!slots_.empty()) {
+    const std::uint32_t hash = NoCaseNameHash(name);
+    const std::uint32_t tag = HashTag(hash);
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t slot = NoCaseNameHash(name) & mask; slots_[slot] != 0;
-         slot = (slot + 1) & mask) {
-      const std::size_t index = slots_[slot] - 1U;
+    for (std::size_t slot = hash & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
+      const std::uint32_t entry = slots_[slot];
+      if (HashTag(entry) != tag) {
+        continue;
+      }
+      const std::size_t index = (entry & kIndexMask) - 1U;
       if (SameName(properties[index].name, name)) {
         return index;
       }
@@ -247,9 +285,7 @@ std::optional<std::size_t> ClassShape::find(std::string_view name) const {
     return std::nullopt;
   }
   for (std::size_t i = 0; i < properties.size(); ++i) {
-    const std::string& candidate = properties[i].name;
-    if (candidate.size() == name.size() &&
-        strncasecmp(candidate.data(), name.data(), name.size()) == 0) {
+    if (SameName(properties[i].name, name)) {
       return i;
     }
   }
@@ -292,16 +328,39 @@ namespace {
 
 // Appends `text` in double quotes, a backslash before each '"' and '\\';
 // the runs between them go in whole.
+// The position of the first '"' or '\\' in `text` from `from`, or its size:
+// eight characters per step, since every key value of every printed path is
+// scanned and nearly none holds either.
+std::size_t NextToEscape(const std::string& text, std::size_t from) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+  constexpr std::uint64_t kHighBits = 0x8080808080808080ULL;
+  const auto hasZeroByte = [](std::uint64_t word) {
+    return ((word - kOnes) & ~word & kHighBits) != 0;
+  };
+  std::size_t at = from;
+  for (; at + 8 <= text.size(); at += 8) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + at, 8);
+    if (hasZeroByte(word ^ ('"' * kOnes)) || hasZeroByte(word ^ ('\\' * kOnes))) {
+      break;  // one of the eight is; found below
+    }
+  }
+  for (; at < text.size(); ++at) {
+    if (text[at] == '"' || text[at] == '\\') {
+      return at;
+    }
+  }
+  return at;
+}
+
 void AppendQuoted(std::string& out, const std::string& text) {
   out += '"';
   std::size_t start = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '"' || text[i] == '\\') {
-      out.append(text, start, i - start);
-      out += '\\';
-      out += text[i];
-      start = i + 1;
-    }
+  for (std::size_t i = NextToEscape(text, 0); i < text.size(); i = NextToEscape(text, i + 1)) {
+    out.append(text, start, i - start);
+    out += '\\';
+    out += text[i];
+    start = i + 1;
   }
   out.append(text, start, std::string::npos);
   out += '"';

@@ -117,7 +117,7 @@ struct ClassShape {
   void buildIndex();
 
  private:
-  std::vector<std::uint16_t> slots_;  // property index + 1 by name hash; 0 is free
+  std::vector<std::uint32_t> slots_;  // by name hash: hash tag | property index + 1; 0 is free
 };
 
 struct InstanceData {
