@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <set>
 #include <string>
 #include <thread>
@@ -34,51 +35,50 @@ DIAGCORE_PROVIDER(SlowPlugin, SlowStartup);
 namespace diagcore_test {
 namespace {
 
-using ::testing::SizeIs;
-
 constexpr int kThreads = 8;
 
-TEST(DiagConcurrencyTest, FactoriesCalledAtOnceRunTheStartupOnceAndWaitForIt) {
-  cmpihost::Host host;
+// Runs body(t) on kThreads threads that start together.
+void OnAllThreads(const std::function<void(int)>& body) {
   std::atomic<int> ready{0};
-  std::atomic<int> failures{0};
   std::vector<std::thread> threads;
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, t] {
-      cmpihost::CallScope scope(host);
       ++ready;
       while (ready.load() < kThreads) {
         std::this_thread::yield();
       }
-      CMPIStatus rc = {CMPI_RC_ERR_FAILED, nullptr};
-      const void* mi = nullptr;
-      switch (t % 3) {
-        case 0:
-          mi = SlowPlugin_Create_InstanceMI(scope.broker(), scope.context(), &rc);
-          break;
-        case 1:
-          mi = SlowPlugin_Create_MethodMI(scope.broker(), scope.context(), &rc);
-          break;
-        default:
-          mi = SlowPlugin_Create_AssociationMI(scope.broker(), scope.context(), &rc);
-      }
-      // No caller may use the plug-in before its start-up finished.
-      if (mi == nullptr || rc.rc != CMPI_RC_OK || !slowDone.load()) {
-        ++failures;
-      }
+      body(t);
     });
   }
   for (std::thread& thread : threads) {
     thread.join();
   }
+}
+
+TEST(DiagConcurrencyTest, FactoriesCalledAtOnceRunTheStartupOnceAndWaitForIt) {
+  cmpihost::Host host;
+  std::atomic<int> failures{0};
+  OnAllThreads([&](int t) {
+    cmpihost::CallScope scope(host);
+    CMPIStatus rc = {CMPI_RC_ERR_FAILED, nullptr};
+    const void* mi = t % 3 == 0   ? static_cast<const void*>(SlowPlugin_Create_InstanceMI(
+                                        scope.broker(), scope.context(), &rc))
+                     : t % 3 == 1 ? static_cast<const void*>(SlowPlugin_Create_MethodMI(
+                                        scope.broker(), scope.context(), &rc))
+                                  : static_cast<const void*>(SlowPlugin_Create_AssociationMI(
+                                        scope.broker(), scope.context(), &rc));
+    // No caller may use the plug-in before its start-up finished.
+    if (mi == nullptr || rc.rc != CMPI_RC_OK || !slowDone.load()) {
+      ++failures;
+    }
+  });
   EXPECT_EQ(failures.load(), 0);
   EXPECT_EQ(slowStarts.load(), 1);
 }
 
 // A service that sets none of its texts: each run reads (and so inserts)
-// them into the service's bag while other runs do the same. The first run of
-// every thread waits in the test until all have arrived, so that they go on
-// to read the texts at the same time.
+// them into the service's bag while other runs do the same. The first runs
+// wait here until all have arrived, so that they read the texts at once.
 class BareService : public NQENDRA20::DiagService {
  public:
   BareService() : DiagService("DTP_DiagService", "DTP_DiagServiceRecord", "", "", "sys") {}
@@ -108,23 +108,16 @@ TEST_F(DiagRunConcurrencyTest, RunsOfOneServiceFromManyThreadsEachLeaveTheirReco
   AdvanceClockPerCall();
   constexpr int kRunsPerThread = 5;
   std::atomic<int> failures{0};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < kRunsPerThread; ++i) {
-        const cmpihost::Reply reply = host().invokeMethod(
-            "root/cimv2:" + service->getObjectPath(), "RunDiagnostic",
-            {cmpihost::Argument{"ManagedElement", DevicePath("disk1"), std::nullopt}});
-        if (reply.status.rc != CMPI_RC_OK || reply.data().size() != 1 ||
-            reply.data()[0].uint != 3U) {
-          ++failures;
-        }
+  OnAllThreads([&](int) {
+    for (int i = 0; i < kRunsPerThread; ++i) {
+      const cmpihost::Reply reply = host().invokeMethod(
+          "root/cimv2:" + service->getObjectPath(), "RunDiagnostic",
+          {cmpihost::Argument{"ManagedElement", DevicePath("disk1"), std::nullopt}});
+      if (reply.status.rc != CMPI_RC_OK || reply.data().size() != 1 || reply.data()[0].uint != 3U) {
+        ++failures;
       }
-    });
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
+    }
+  });
   EXPECT_EQ(failures.load(), 0);
   const std::vector<cmpihost::InstanceSnapshot> records =
       host().enumerateInstances("root/cimv2", "DTP_DiagServiceRecord").instances();
@@ -132,7 +125,7 @@ TEST_F(DiagRunConcurrencyTest, RunsOfOneServiceFromManyThreadsEachLeaveTheirReco
   for (const cmpihost::InstanceSnapshot& record : records) {
     ids.insert(Prop(record, "InstanceID").text);
   }
-  EXPECT_THAT(records, SizeIs(kThreads * kRunsPerThread));
+  EXPECT_THAT(records, ::testing::SizeIs(kThreads * kRunsPerThread));
   EXPECT_EQ(ids.size(), records.size());
   EXPECT_EQ((*service)["Caption"], "");
 }

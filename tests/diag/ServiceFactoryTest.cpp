@@ -23,10 +23,7 @@ class ProbeFactory : public NQENDRA20::ServiceFactory {
  public:
   DiagService** CreateServicesImpl(std::string dateTime, std::string systemName,
                                    unsigned int& serviceCount) override {
-    ++calls;
-    dateTimes.push_back(dateTime);
-    systemNames.push_back(systemName);
-    countSeen = serviceCount;
+    seen.push_back(dateTime + " " + systemName + " " + std::to_string(serviceCount));
     if (throwIt) {
       throw std::runtime_error("hook failed");
     }
@@ -36,10 +33,7 @@ class ProbeFactory : public NQENDRA20::ServiceFactory {
     return answer;
   }
 
-  int calls = 0;
-  std::vector<std::string> dateTimes;
-  std::vector<std::string> systemNames;
-  unsigned int countSeen = 0;
+  std::vector<std::string> seen;
   int countToWrite = -1;
   bool throwIt = false;
   DiagService** answer = nullptr;
@@ -47,69 +41,39 @@ class ProbeFactory : public NQENDRA20::ServiceFactory {
 
 class ServiceFactoryTest : public DiagHostTest {};
 
-TEST_F(ServiceFactoryTest, TheDateTimeIsAskedBeforeTheSystemIsLookedUp) {
+TEST_F(ServiceFactoryTest, TheDateTimeIsAskedBeforeTheSystemAndBothReachTheHook) {
   cmpihost::CallScope scope(host());
   RecordingBroker recording(scope.broker());
   ProbeFactory factory;
-  unsigned int count = 0;
-  factory.CreateServices(recording.broker(), scope.context(), count);
+  unsigned int count = 41;
+  EXPECT_EQ(factory.CreateServices(recording.broker(), scope.context(), count), nullptr);
   EXPECT_THAT(recording.calls, ElementsAre("newDateTime", "newObjectPath TORSK_ComputerSystem",
                                            "enumerateInstances TORSK_ComputerSystem"));
-  EXPECT_THAT(factory.dateTimes, ElementsAre(CimDateTime(FixedTime())));
-  EXPECT_THAT(factory.systemNames, ElementsAre("testhost.example"));
-}
+  EXPECT_THAT(factory.seen, ElementsAre(CimDateTime(FixedTime()) + " testhost.example 41"));
+  EXPECT_EQ(count, 41U);
 
-TEST_F(ServiceFactoryTest, TheHooksCountAndResultPassThroughUntouched) {
-  cmpihost::CallScope scope(host());
+  // The hook's count and result pass through untouched, as does what it throws.
   DiagService* services[2] = {nullptr, nullptr};
-
-  ProbeFactory writing;
-  writing.countToWrite = 2;
-  writing.answer = services;
-  unsigned int count = 41;
-  EXPECT_EQ(writing.CreateServices(scope.broker(), scope.context(), count), services);
-  EXPECT_EQ(writing.countSeen, 41U);
+  factory.countToWrite = 2;
+  factory.answer = services;
+  EXPECT_EQ(factory.CreateServices(scope.broker(), scope.context(), count), services);
   EXPECT_EQ(count, 2U);
-
-  ProbeFactory silent;
-  unsigned int untouched = 77;
-  EXPECT_EQ(silent.CreateServices(scope.broker(), scope.context(), untouched), nullptr);
-  EXPECT_EQ(untouched, 77U);
-  EXPECT_EQ(silent.calls, 1);
-}
-
-TEST_F(ServiceFactoryTest, WhateverTheHookThrowsPassesThrough) {
-  cmpihost::CallScope scope(host());
-  ProbeFactory factory;
   factory.throwIt = true;
-  unsigned int count = 0;
   EXPECT_THROW(factory.CreateServices(scope.broker(), scope.context(), count), std::runtime_error);
-  EXPECT_EQ(factory.calls, 1);
+  EXPECT_EQ(factory.seen.size(), 3U);
 }
 
-// Without a computer system, the hook is called all the same, with "".
-class NoSystemTest : public ::testing::Test {
- protected:
-  NoSystemTest() : provider_(SchemaOnly()) {}
-
-  static ProviderHostOptions SchemaOnly() {
-    ProviderHostOptions options;
-    options.projectSchema = true;
-    return options;
-  }
-
-  ProviderHost provider_;
-};
-
-TEST_F(NoSystemTest, AnEmptySystemNameReachesTheHook) {
-  cmpihost::CallScope scope(provider_.host());
+TEST(ServiceFactoryNoSystemTest, AnEmptySystemNameReachesTheHook) {
+  ProviderHostOptions options;
+  options.projectSchema = true;
+  ProviderHost provider(options);
+  cmpihost::CallScope scope(provider.host());
   ProbeFactory factory;
   unsigned int count = 0;
   factory.CreateServices(scope.broker(), scope.context(), count);
-  EXPECT_EQ(factory.calls, 1);
-  EXPECT_THAT(factory.systemNames, ElementsAre(""));
-  ASSERT_EQ(factory.dateTimes.size(), 1U);
-  EXPECT_EQ(factory.dateTimes[0].size(), 25U);
+  ASSERT_EQ(factory.seen.size(), 1U);
+  // "<25-character date-time>  0": the system name between the blanks is empty.
+  EXPECT_EQ(factory.seen[0].substr(25), "  0");
 }
 
 }  // namespace

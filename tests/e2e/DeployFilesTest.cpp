@@ -10,7 +10,6 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "E2eSupport.h"
 #include "cmpihost/Host.h"
@@ -18,14 +17,12 @@
 namespace e2e {
 namespace {
 
-struct Stanza {
-  std::map<std::string, std::string> fields;  // provider, location, type, ...
-};
+using Stanza = std::map<std::string, std::string>;  // provider, location, type, ...
 
-// The stanzas of a registration file by class, read the simple way.
-std::map<std::string, Stanza> ReadStanzas(const std::string& path) {
+// The stanzas of the example's registration file by class, read the simple way.
+std::map<std::string, Stanza> ReadStanzas() {
   std::map<std::string, Stanza> stanzas;
-  std::ifstream in(path);
+  std::ifstream in(ExampleRegistration());
   std::string line;
   std::string current;
   static const std::regex kHeader(R"(^\[(\w+)\]\s*$)");
@@ -36,38 +33,10 @@ std::map<std::string, Stanza> ReadStanzas(const std::string& path) {
       current = match[1];
       stanzas[current];
     } else if (!current.empty() && std::regex_match(line, match, kField)) {
-      stanzas[current].fields[match[1]] = match[2];
+      stanzas[current][match[1]] = match[2];
     }
   }
   return stanzas;
-}
-
-std::set<std::string> DeclaredClasses(const std::string& mofPath) {
-  std::set<std::string> classes;
-  std::ifstream in(mofPath);
-  std::string line;
-  static const std::regex kClass(R"(^class (\w+) :)");
-  while (std::getline(in, line)) {
-    std::smatch match;
-    if (std::regex_search(line, match, kClass)) {
-      classes.insert(match[1]);
-    }
-  }
-  return classes;
-}
-
-// The CMPI provider types of a stanza's "type:" as the registration MOF
-// numbers them: instance 2, association 3, method 5.
-std::set<std::uint64_t> TypeNumbers(const std::string& types) {
-  static const std::map<std::string, std::uint64_t> kNumbers = {
-      {"instance", 2}, {"association", 3}, {"method", 5}};
-  std::set<std::uint64_t> numbers;
-  std::istringstream words(types);
-  std::string word;
-  while (words >> word) {
-    numbers.insert(kNumbers.at(word));
-  }
-  return numbers;
 }
 
 std::string Text(const cmpihost::InstanceSnapshot& instance, const std::string& name) {
@@ -76,19 +45,28 @@ std::string Text(const cmpihost::InstanceSnapshot& instance, const std::string& 
 }
 
 TEST(DeployFilesTest, EveryClassHasOneStanzaThatKeepsTheProviderLoaded) {
-  const std::map<std::string, Stanza> stanzas = ReadStanzas(ExampleRegistration());
+  std::set<std::string> declared;
+  std::ifstream mof(ExampleMof());
+  std::string line;
+  static const std::regex kClass(R"(^class (\w+) :)");
+  while (std::getline(mof, line)) {
+    std::smatch match;
+    if (std::regex_search(line, match, kClass)) {
+      declared.insert(match[1]);
+    }
+  }
+  const std::map<std::string, Stanza> stanzas = ReadStanzas();
   std::set<std::string> registered;
   for (const auto& [className, stanza] : stanzas) {
     registered.insert(className);
-    EXPECT_EQ(stanza.fields.at("unload"), "never") << className;
-    EXPECT_EQ(stanza.fields.at("location"), "filesystemdiag") << className;
-    EXPECT_EQ(stanza.fields.at("namespace"), "root/cimv2") << className;
+    EXPECT_EQ(stanza.at("unload"), "never") << className;
+    EXPECT_EQ(stanza.at("location"), "filesystemdiag") << className;
+    EXPECT_EQ(stanza.at("namespace"), "root/cimv2") << className;
   }
-  EXPECT_EQ(registered, DeclaredClasses(ExampleMof()));
-  EXPECT_EQ(stanzas.at("FSD_FileSystemDiagnosticService").fields.at("type"), "instance method");
-  EXPECT_EQ(stanzas.at("FSD_AvailableDiagnosticService").fields.at("type"), "instance association");
-  EXPECT_EQ(stanzas.at("TORSK_ComputerSystem").fields.at("provider"), "FileSystemElements");
-  EXPECT_EQ(stanzas.at("FSD_MountedFileSystem").fields.at("provider"), "FileSystemElements");
+  EXPECT_EQ(registered, declared);
+  EXPECT_EQ(stanzas.at("FSD_FileSystemDiagnosticService").at("type"), "instance method");
+  EXPECT_EQ(stanzas.at("FSD_AvailableDiagnosticService").at("type"), "instance association");
+  EXPECT_EQ(stanzas.at("FSD_MountedFileSystem").at("provider"), "FileSystemElements");
 }
 
 TEST(DeployFilesTest, TheRegistrationMofRegistersWhatTheStanzasDo) {
@@ -100,12 +78,7 @@ TEST(DeployFilesTest, TheRegistrationMofRegistersWhatTheStanzasDo) {
   host.loadMof(TestDataFile("provider-registration-classes.mof"), interop);
   host.loadMof(ExampleDir() + "/deploy/filesystemdiag-registration.mof", interop);
 
-  const std::map<std::string, Stanza> stanzas = ReadStanzas(ExampleRegistration());
-  std::set<std::string> providers;
-  for (const auto& [className, stanza] : stanzas) {
-    providers.insert(stanza.fields.at("provider"));
-  }
-
+  const std::map<std::string, Stanza> stanzas = ReadStanzas();
   const std::vector<cmpihost::InstanceSnapshot> modules =
       host.enumerateInstances(interop, "PG_ProviderModule").instances();
   ASSERT_EQ(modules.size(), 1U);
@@ -113,6 +86,10 @@ TEST(DeployFilesTest, TheRegistrationMofRegistersWhatTheStanzasDo) {
   EXPECT_EQ(Text(modules[0], "InterfaceType"), "CMPI");
   const std::string module = Text(modules[0], "Name");
 
+  std::set<std::string> providers;
+  for (const auto& [className, stanza] : stanzas) {
+    providers.insert(stanza.at("provider"));
+  }
   std::set<std::string> declaredProviders;
   for (const auto& provider : host.enumerateInstances(interop, "PG_Provider").instances()) {
     EXPECT_EQ(Text(provider, "ProviderModuleName"), module);
@@ -120,6 +97,9 @@ TEST(DeployFilesTest, TheRegistrationMofRegistersWhatTheStanzasDo) {
   }
   EXPECT_EQ(declaredProviders, providers);
 
+  // The provider types as the registration MOF numbers them.
+  const std::map<std::string, std::uint64_t> kTypeNumbers = {
+      {"instance", 2}, {"association", 3}, {"method", 5}};
   std::set<std::string> capabilityClasses;
   for (const auto& capability :
        host.enumerateInstances(interop, "PG_ProviderCapabilities").instances()) {
@@ -128,18 +108,20 @@ TEST(DeployFilesTest, TheRegistrationMofRegistersWhatTheStanzasDo) {
     ASSERT_EQ(stanzas.count(className), 1U) << className << " has no stanza";
     const Stanza& stanza = stanzas.at(className);
     EXPECT_EQ(Text(capability, "ProviderModuleName"), module) << className;
-    EXPECT_EQ(Text(capability, "ProviderName"), stanza.fields.at("provider")) << className;
+    EXPECT_EQ(Text(capability, "ProviderName"), stanza.at("provider")) << className;
     std::set<std::uint64_t> types;
-    const cmpihost::Value* typeValue = capability.find("ProviderType");
-    ASSERT_NE(typeValue, nullptr);
-    for (const cmpihost::Value& element : typeValue->elements) {
+    for (const cmpihost::Value& element : capability.find("ProviderType")->elements) {
       types.insert(element.uint);
     }
-    EXPECT_EQ(types, TypeNumbers(stanza.fields.at("type"))) << className;
+    std::set<std::uint64_t> stanzaTypes;
+    std::istringstream words(stanza.at("type"));
+    for (std::string word; words >> word;) {
+      stanzaTypes.insert(kTypeNumbers.at(word));
+    }
+    EXPECT_EQ(types, stanzaTypes) << className;
     const cmpihost::Value* namespaces = capability.find("Namespaces");
-    ASSERT_NE(namespaces, nullptr);
     ASSERT_EQ(namespaces->elements.size(), 1U) << className;
-    EXPECT_EQ(namespaces->elements[0].text, stanza.fields.at("namespace")) << className;
+    EXPECT_EQ(namespaces->elements[0].text, stanza.at("namespace")) << className;
   }
   EXPECT_EQ(capabilityClasses.size(), stanzas.size());
 }

@@ -55,15 +55,5 @@ TEST(TestPluginCommandTest, ASessionOfServicesAvailabilityRunsAndRecords) {
   ExpectGolden(MaskedDates(result.out), "testplugin-session.txt");
 }
 
-TEST(TestPluginCommandTest, AnUnknownMethodNameOfTheServiceIsARequestError) {
-  // RunDiagnosticService is declared by the DMTF class but not served.
-  const ProgramResult result =
-      RunOnTestPlugin({"cm", Fill(kService, "Passing"), "RunDiagnosticService",
-                       "ManagedElement=" + Fill(kDevice, "disk0")});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "cmpihost: InvokeMethod failed: CMPI_RC_ERR_METHOD_NOT_FOUND (17)\n");
-}
-
 }  // namespace
 }  // namespace e2e

@@ -59,10 +59,10 @@ class RegistryStressTest : public ::testing::Test {
   cmpihost::Host& host() { return provider_.host(); }
 
   void Register(const std::string& id, unsigned enumOrder) {
-    TestBag* bag = NewBag(std::string("DCT_Element"));
-    (*bag)["CreationClassName"] = "DCT_Element";
-    (*bag)["DeviceID"] = id;
-    (*bag)["EnumOrder"] = std::to_string(enumOrder);
+    TestBag* bag =
+        NewBag(std::string("DCT_Element"), PropertyList{{"CreationClassName", "DCT_Element"},
+                                                        {"DeviceID", id},
+                                                        {"EnumOrder", std::to_string(enumOrder)}});
     RegisterInScope(host(), bag);
     if (bag->getObjectPath() != ElementText(id)) {
       rounds_.Fail("registered " + id + " under '" + bag->getObjectPath() + "'");
