@@ -1,69 +1,11 @@
 #include "RunCommand.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 namespace cmpihost::testing {
-namespace {
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-// `word` in single quotes for /bin/sh.
-std::string Quoted(const std::string& word) {
-  std::string quoted = "'";
-  for (const char c : word) {
-    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  }
-  return quoted + "'";
-}
-
-}  // namespace
-
-ScratchDir::ScratchDir() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "cmpihostXXXXXX").string();
-  if (mkdtemp(pattern.data()) != nullptr) {
-    path_ = pattern;
-  }
-}
-
-ScratchDir::~ScratchDir() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-std::string ScratchDir::write(const std::string& name, const std::string& text) const {
-  std::string file = path_ + "/" + name;
-  std::ofstream(file, std::ios::binary) << text;
-  return file;
-}
 
 CommandResult RunCmpihost(const std::vector<std::string>& args, const std::string& input) {
-  const ScratchDir scratch;
-  std::string command = Quoted(CMPIHOST_BINARY);
-  for (const std::string& arg : args) {
-    command += " " + Quoted(arg);
-  }
-  const std::string out = scratch.path() + "/stdout";
-  const std::string err = scratch.path() + "/stderr";
-  command +=
-      " <" + Quoted(scratch.write("stdin", input)) + " >" + Quoted(out) + " 2>" + Quoted(err);
-  // The shell reports a child killed by signal N as exit code 128 + N.
-  const int status = std::system(command.c_str());
-  CommandResult result;
-  result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  result.out = ReadFile(out);
-  result.err = ReadFile(err);
-  return result;
+  std::vector<std::string> argv = {CMPIHOST_BINARY};
+  argv.insert(argv.end(), args.begin(), args.end());
+  return diagcore_test::RunProgram(argv, input);
 }
 
 std::string DataFile(const std::string& name) {

@@ -6,33 +6,16 @@
 #include <string>
 #include <vector>
 
+#include "support/ProgramRun.h"
+
 namespace cmpihost::testing {
 
-struct CommandResult {
-  int exitCode = -1;  // 128 + signal number when the process was killed
-  std::string out;
-  std::string err;
-};
+using CommandResult = diagcore_test::ProgramResult;
+using diagcore_test::ScratchDir;
 
 // Runs cmpihost with `args`; standard input is a file holding `input`, so it
 // is never a terminal.
 CommandResult RunCmpihost(const std::vector<std::string>& args, const std::string& input = "");
-
-// A fresh folder, removed with its contents when the object goes.
-class ScratchDir {
- public:
-  ScratchDir();
-  ~ScratchDir();
-  ScratchDir(const ScratchDir&) = delete;
-  ScratchDir& operator=(const ScratchDir&) = delete;
-
-  const std::string& path() const { return path_; }
-  // Writes `text` to the file `name` in the folder and returns its full path.
-  std::string write(const std::string& name, const std::string& text) const;
-
- private:
-  std::string path_;
-};
 
 // The test data folder, the provider library folder and the common options
 // that load the test MOF (and, with `providers`, the test provider).

@@ -7,9 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "ProgramRun.h"
+#include "support/ProgramRun.h"
 
 namespace e2e {
+
+using diagcore_test::ProgramResult;
+using diagcore_test::ReadFile;
+using diagcore_test::RunProgram;
+using diagcore_test::ScratchDir;
 
 // Files of the source tree and the build.
 std::string CmpihostBinary();

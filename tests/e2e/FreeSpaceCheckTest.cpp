@@ -10,7 +10,7 @@
 #include <limits>
 #include <string>
 
-#include "ProgramRun.h"
+#include "support/ProgramRun.h"
 
 namespace filesystemdiag {
 namespace {
@@ -103,7 +103,7 @@ TEST(FreeSpaceCheckTest, ReadingUsageFailsOrIsRefused) {
 }
 
 TEST(FreeSpaceCheckTest, RealStatvfsOnFoldersOfItsOwn) {
-  const e2e::ScratchDir scratch;
+  const diagcore_test::ScratchDir scratch;
   ASSERT_FALSE(scratch.path().empty());
   // Whatever the machine's free space, a real file system answers.
   const CheckResult result = FreeSpaceCheck(5).run(scratch.path());

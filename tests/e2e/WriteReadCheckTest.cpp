@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "ProbeFile.h"
-#include "ProgramRun.h"
+#include "support/ProgramRun.h"
 
 namespace filesystemdiag {
 namespace {
@@ -31,7 +31,7 @@ std::vector<std::string> Entries(const std::string& folder) {
 }
 
 TEST(WriteReadCheckTest, PassesOnAWritableFolderAndLeavesNothingBehind) {
-  const e2e::ScratchDir scratch;
+  const diagcore_test::ScratchDir scratch;
   ASSERT_FALSE(scratch.path().empty());
   for (int time = 0; time < 2; ++time) {  // the name is fresh each time
     const CheckResult result = WriteReadCheck().run(scratch.path());
@@ -43,7 +43,7 @@ TEST(WriteReadCheckTest, PassesOnAWritableFolderAndLeavesNothingBehind) {
 }
 
 TEST(WriteReadCheckTest, WritesNothingWhereItMayNotOrCannotLook) {
-  const e2e::ScratchDir scratch;
+  const diagcore_test::ScratchDir scratch;
   const std::string file = scratch.write("hosts", "127.0.0.1 localhost\n");
   const auto healthy = [](bool readOnly) {
     return [readOnly](const std::string&, FileSystemUsage& usage) {
@@ -71,7 +71,7 @@ TEST(WriteReadCheckTest, WritesNothingWhereItMayNotOrCannotLook) {
     EXPECT_EQ(c.result.text, c.text);
   }
   EXPECT_EQ(cases[2].result.errorCode, "STAT_FAILED");
-  EXPECT_EQ(e2e::ReadFile(file), "127.0.0.1 localhost\n");
+  EXPECT_EQ(diagcore_test::ReadFile(file), "127.0.0.1 localhost\n");
   EXPECT_EQ(Entries(scratch.path()), std::vector<std::string>{"hosts"});
 }
 
@@ -119,7 +119,7 @@ std::string RunAsUnprivileged(const std::string& folder, Outcome& outcome) {
 }
 
 TEST(WriteReadCheckTest, SkipsAFolderTheProviderMayNotWrite) {
-  const e2e::ScratchDir scratch;
+  const diagcore_test::ScratchDir scratch;
   const std::string folder = scratch.path() + "/locked";
   ASSERT_EQ(mkdir(folder.c_str(), 0555), 0);
   // Reachable by anyone, writable by no one but root.
@@ -151,7 +151,7 @@ TEST(WriteReadCheckTest, TheProbeDataShowsShiftsAndTruncation) {
 }
 
 TEST(ProbeFileTest, IsCreatedPrivateWrittenReadAndRemovedOnce) {
-  const e2e::ScratchDir scratch;
+  const diagcore_test::ScratchDir scratch;
   std::string path;
   {
     ProbeFile probe(scratch.path() + "/");  // a trailing slash is fine

@@ -1,4 +1,4 @@
-#include "ProgramRun.h"
+#include "support/ProgramRun.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -9,7 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-namespace e2e {
+namespace diagcore_test {
 namespace {
 
 // In the child: point a standard stream at a file, or give up.
@@ -31,7 +31,7 @@ std::string ReadFile(const std::string& path) {
 }
 
 ScratchDir::ScratchDir() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "fsd-e2eXXXXXX").string();
+  std::string pattern = (std::filesystem::temp_directory_path() / "diagcore-testXXXXXX").string();
   if (mkdtemp(pattern.data()) != nullptr) {
     path_ = pattern;
   }
@@ -54,12 +54,12 @@ std::string ScratchDir::write(const std::string& name, const std::string& text) 
   return file;
 }
 
-ProgramResult RunProgram(const std::vector<std::string>& argv) {
+ProgramResult RunProgram(const std::vector<std::string>& argv, const std::string& input) {
   static const std::string kLeakOptions = std::string("suppressions=") + DIAGCORE_SOURCE_DIR +
                                           "/tests/lsan.supp"
                                           ":print_suppressions=0";
   const ScratchDir scratch;
-  const std::string in = scratch.write("stdin", "");
+  const std::string in = scratch.write("stdin", input);
   const std::string out = scratch.path() + "/stdout";
   const std::string err = scratch.path() + "/stderr";
   std::vector<std::string> words = argv;
@@ -92,4 +92,4 @@ ProgramResult RunProgram(const std::vector<std::string>& argv) {
   return result;
 }
 
-}  // namespace e2e
+}  // namespace diagcore_test

@@ -1,12 +1,13 @@
 // Runs a program (the built cmpihost, or the demo's driver) as a child
 // process, the way a user or a CI job runs it, and captures what it says.
-#ifndef TESTS_E2E_PROGRAMRUN_H_
-#define TESTS_E2E_PROGRAMRUN_H_
+// Shared by the command's tests and the end-to-end tests.
+#ifndef TESTS_SUPPORT_PROGRAMRUN_H_
+#define TESTS_SUPPORT_PROGRAMRUN_H_
 
 #include <string>
 #include <vector>
 
-namespace e2e {
+namespace diagcore_test {
 
 struct ProgramResult {
   int exitCode = -1;  // 128 + signal number when the process was killed
@@ -14,8 +15,9 @@ struct ProgramResult {
   std::string err;
 };
 
-// Runs `argv` (argv[0] is the program's path); standard input is empty.
-ProgramResult RunProgram(const std::vector<std::string>& argv);
+// Runs `argv` (argv[0] is the program's path); standard input is a file
+// holding `input`, so it is never a terminal.
+ProgramResult RunProgram(const std::vector<std::string>& argv, const std::string& input = "");
 
 // A fresh folder, removed with its contents when the object goes.
 class ScratchDir {
@@ -36,6 +38,6 @@ class ScratchDir {
 // The whole content of a file ("" when it cannot be read).
 std::string ReadFile(const std::string& path);
 
-}  // namespace e2e
+}  // namespace diagcore_test
 
-#endif  // TESTS_E2E_PROGRAMRUN_H_
+#endif  // TESTS_SUPPORT_PROGRAMRUN_H_
