@@ -518,9 +518,12 @@ void MofStaging::resolveAliases(const std::string& file, RawValue& raw) const {
 std::string MofStaging::pathText(const ClassDecl& decl, const StaticInstance& instance,
                                  bool canonical) {
   std::vector<const PropertyDecl*> keys = decl.keyProperties();
-  std::sort(keys.begin(), keys.end(), [](const PropertyDecl* a, const PropertyDecl* b) {
-    return NoCaseCompare(a->name, b->name) < 0;
-  });
+  if (canonical) {
+    // Compared as a set: one text whatever order the keys come in.
+    std::sort(keys.begin(), keys.end(), [](const PropertyDecl* a, const PropertyDecl* b) {
+      return NoCaseCompare(a->name, b->name) < 0;
+    });
+  }
   std::string text = canonical ? AsciiLowered(decl.name()) : decl.name();
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const MofValue* value = &keys[i]->defaultValue;

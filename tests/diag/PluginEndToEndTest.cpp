@@ -155,8 +155,8 @@ TEST_F(PluginEndToEndTest, RunsAtDifferentTimesLeaveARecordEach) {
   const std::string second = CimDateTime(FixedTime() + std::chrono::seconds(1));
   EXPECT_EQ(Run("Passing", DevicePath("disk0")).data()[0].uint, 0U);
   const std::string system =
-      "root/cimv2:TORSK_ComputerSystem.CreationClassName=\"TORSK_ComputerSystem\","
-      "Name=\"testhost.example\"";
+      "root/cimv2:TORSK_ComputerSystem.Name=\"testhost.example\","
+      "CreationClassName=\"TORSK_ComputerSystem\"";
   EXPECT_EQ(Run("Passing", system).status.rc, CMPI_RC_OK);
 
   const std::vector<InstanceSnapshot> records = Records();

@@ -321,6 +321,35 @@ TEST_F(ProviderDispatchTest, StaticInstancesAreServedWithTheirDeclaredTypesAndDe
   EXPECT_EQ(instances[1].find("Value")->uint, 3u);  // the class default
   EXPECT_EQ(instances[2].path, R"(root/cimv2:Test_StaticChild.Name="child")");
   EXPECT_EQ(host_.getInstance(R"(Test_Static.Name="none")").status.rc, CMPI_RC_ERR_NOT_FOUND);
+
+  // The host finds an object by its keys as a set: any order, any case of
+  // the key names, down into reference keys.
+  host_.loadMofText(R"(
+    [Association] class Test_StaticPair { [Key] string A; [Key] Test_Keyed REF B; };
+    instance of Test_StaticPair { A = "a"; B = "Test_Keyed.Name=\"n\",Number=1"; };
+  )",
+                    "pair.mof");
+  const struct {
+    const char* path;
+    CMPIrc rc;
+  } gets[] = {
+      {R"(Test_StaticPair.A="a",B="Test_Keyed.Name=\"n\",Number=1")", CMPI_RC_OK},
+      {R"(Test_StaticPair.b="Test_Keyed.NUMBER=1,name=\"n\"",a="a")", CMPI_RC_OK},
+      {R"(Test_StaticPair.B="Test_Keyed.Number=2,Name=\"n\"",A="a")", CMPI_RC_ERR_NOT_FOUND},
+      {R"(Test_StaticPair.B="Test_Keyed.Number=1",A="a")", CMPI_RC_ERR_NOT_FOUND},
+      {R"(Test_StaticPair.B="Test_Keyed.Name=\"n\",Number=1")", CMPI_RC_ERR_NOT_FOUND},
+  };
+  for (const auto& get : gets) {
+    const Reply reply = host_.getInstance(get.path);
+    EXPECT_EQ(reply.status.rc, get.rc) << get.path;
+    if (get.rc == CMPI_RC_OK) {
+      ASSERT_EQ(reply.instances().size(), 1u) << get.path;
+      // What the host hands back is the instance's own path, in declaration order.
+      EXPECT_EQ(
+          reply.instances()[0].path,
+          R"(root/cimv2:Test_StaticPair.A="a",B="root/cimv2:Test_Keyed.Name=\"n\",Number=1")");
+    }
+  }
 }
 
 TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances) {
