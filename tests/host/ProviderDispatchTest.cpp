@@ -22,6 +22,10 @@ struct TestProvider {
   CMPIrc factoryRc = CMPI_RC_OK;
   bool factoryReturnsNull = false;
   CMPIrc answer = CMPI_RC_OK;  // what requests answer
+  // What an idle (not terminating) cleanup answers: of the MI of this kind
+  // ("Instance", "Method", "Association"), or of every MI when empty.
+  CMPIrc idleAnswer = CMPI_RC_OK;
+  std::string idleRefuser;
   bool throwInRequests = false;
   CMPIInstanceMI instanceMI{};
   CMPIMethodMI methodMI{};
@@ -89,6 +93,11 @@ CMPIStatus Cleanup(MI* mi, const CMPIContext*, CMPIBoolean terminating) {
                                                         : "Association";
   Note(provider, "cleanup", kind,
        {terminating != 0 ? "terminating" : "idle", scoped ? "scoped" : "unscoped"});
+  if (terminating == 0 && provider.idleAnswer != CMPI_RC_OK &&
+      (provider.idleRefuser.empty() || provider.idleRefuser == kind)) {
+    return CMPIStatus{provider.idleAnswer,
+                      provider.broker->eft->newString(provider.broker, "busy", nullptr)};
+  }
   return CMPIStatus{CMPI_RC_OK, nullptr};
 }
 
@@ -515,6 +524,84 @@ TEST_F(ProviderDispatchTest, DestroyingTheHostCleansUpEveryCreatedMiInAScope) {
                          "P0.cleanup Method terminating scoped",
                          "P1.cleanup Instance terminating scoped",
                          "P0.cleanup Instance terminating scoped",
+                     }));
+}
+
+// A CIMOM's idle sweep: a provider is unloaded only when every one of its
+// MIs agrees; an unloaded one is created anew by the next request.
+TEST_F(ProviderDispatchTest, AnIdleUnloadDropsOnlyProvidersWhoseMisAllAgree) {
+  gProviders[1].idleAnswer = CMPI_RC_NEVER_UNLOAD;
+  gProviders[2].idleAnswer = CMPI_RC_DO_NOT_UNLOAD;
+  gProviders[2].idleRefuser = "Method";
+  {
+    Host host;
+    host.loadMof(HOST_TEST_MOF);
+    host.captureLog(true);
+    host.registerProvider(Registration("P0", {"Test_Keyed"}, true, true), FactoriesOf<0>());
+    host.registerProvider(Registration("P1", {"Test_Keyed"}, true), FactoriesOf<1>());
+    host.registerProvider(Registration("P2", {"Test_KeyedChild"}, true, true), FactoriesOf<2>());
+    EXPECT_TRUE(host.unloadIdleProviders().empty());  // nothing created yet
+    host.activateProviders();
+    ClearCalls();
+
+    const std::vector<UnloadAnswer> answers = host.unloadIdleProviders();
+    const struct {
+      const char* provider;
+      const char* kind;
+      CMPIrc rc;
+      bool unloaded;
+    } expected[] = {
+        {"P0", "Instance", CMPI_RC_OK, true},
+        {"P0", "Method", CMPI_RC_OK, true},
+        {"P1", "Instance", CMPI_RC_NEVER_UNLOAD, false},
+        {"P2", "Instance", CMPI_RC_OK, false},
+        {"P2", "Method", CMPI_RC_DO_NOT_UNLOAD, false},
+    };
+    ASSERT_EQ(answers.size(), std::size(expected));
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+      EXPECT_EQ(answers[i].providerName, expected[i].provider) << i;
+      EXPECT_EQ(answers[i].kind, expected[i].kind) << i;
+      EXPECT_EQ(answers[i].status.rc, expected[i].rc) << i;
+      EXPECT_EQ(answers[i].status.message, expected[i].rc == CMPI_RC_OK ? "" : "busy") << i;
+      EXPECT_EQ(answers[i].unloaded, expected[i].unloaded) << i;
+    }
+    EXPECT_EQ(Calls(), (std::vector<std::string>{
+                           "P0.cleanup Instance idle scoped",
+                           "P0.cleanup Method idle scoped",
+                           "P1.cleanup Instance idle scoped",
+                           "P2.cleanup Instance idle scoped",
+                           "P2.cleanup Method idle scoped",
+                       }));
+    std::vector<std::string> logged;
+    for (const LogRecord& record : host.logRecords()) {
+      EXPECT_EQ(record.severity, CMPI_SEV_INFO);
+      EXPECT_EQ(record.id, "cmpihost");
+      logged.push_back(record.text);
+    }
+    EXPECT_EQ(logged,
+              (std::vector<std::string>{
+                  "idle unload: provider P0, Instance MI cleanup answered CMPI_RC_OK; unloaded",
+                  "idle unload: provider P0, Method MI cleanup answered CMPI_RC_OK; unloaded",
+                  "idle unload: provider P1, Instance MI cleanup answered CMPI_RC_NEVER_UNLOAD "
+                  "(busy); stays loaded",
+                  "idle unload: provider P2, Instance MI cleanup answered CMPI_RC_OK; stays loaded",
+                  "idle unload: provider P2, Method MI cleanup answered CMPI_RC_DO_NOT_UNLOAD "
+                  "(busy); stays loaded",
+              }));
+
+    // The next request creates P0's instance MI anew; the others keep theirs.
+    EXPECT_EQ(host.enumerateInstances("root/cimv2", "Test_Keyed").status.rc, CMPI_RC_OK);
+    EXPECT_EQ(gProviders[0].factoryCalls, 3);
+    EXPECT_EQ(gProviders[1].factoryCalls, 1);
+    EXPECT_EQ(gProviders[2].factoryCalls, 2);
+    ClearCalls();
+  }
+  // Closing the host cleans up only the MIs alive now, newest first.
+  EXPECT_EQ(Calls(), (std::vector<std::string>{
+                         "P0.cleanup Instance terminating scoped",
+                         "P2.cleanup Method terminating scoped",
+                         "P2.cleanup Instance terminating scoped",
+                         "P1.cleanup Instance terminating scoped",
                      }));
 }
 
