@@ -369,8 +369,12 @@ TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances)
   ASSERT_EQ(rc.rc, CMPI_RC_OK);
   std::vector<std::string> names;
   while (statics->ft->hasNext(statics, nullptr) != 0) {
-    const CMPIData item = statics->ft->getNext(statics, nullptr);
+    const CMPIData item = statics->ft->getNext(statics, &rc);
+    // As OpenPegasus hands them: a good instance with the null state set.
+    ASSERT_EQ(rc.rc, CMPI_RC_OK);
     ASSERT_EQ(item.type, CMPI_instance);
+    EXPECT_EQ(item.state, CMPI_nullValue);
+    ASSERT_NE(item.value.inst, nullptr);
     names.push_back(
         Text(item.value.inst->ft->getProperty(item.value.inst, "Name", nullptr).value.string));
   }
@@ -381,10 +385,18 @@ TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances)
   CMPIEnumeration* served =
       broker_->bft->enumerateInstanceNames(broker_, scope_->context(), path("Test_Keyed"), &rc);
   ASSERT_EQ(rc.rc, CMPI_RC_OK);
+  CMPIEnumeration* copy = served->ft->clone(served, nullptr);
+  const CMPIData name = copy->ft->getNext(copy, nullptr);
+  EXPECT_EQ(name.type, CMPI_ref);
+  EXPECT_EQ(name.state, CMPI_nullValue);
+  EXPECT_EQ(pathText(name.value.ref), R"(root/cimv2:Test_KeyedChild.Name="P0")");
+  copy->ft->release(copy);
+  // toArray's elements are the array's own: good values.
   const CMPIArray* array = served->ft->toArray(served, nullptr);
   ASSERT_EQ(array->ft->getSize(array, nullptr), 1u);
   EXPECT_EQ(pathText(array->ft->getElementAt(array, 0, nullptr).value.ref),
             R"(root/cimv2:Test_KeyedChild.Name="P0")");
+  EXPECT_EQ(array->ft->getElementAt(array, 0, nullptr).state, CMPI_goodValue);
 
   CMPIEnumeration* unknown = broker_->bft->enumerateInstances(
       broker_, scope_->context(), path("TORSK_ComputerSystem"), nullptr, &rc);
