@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -36,11 +37,13 @@ std::string Summary(const InstanceSnapshot& instance) {
   }
   const std::string service = Prop(instance, "ServiceProvided").text;
   const std::string device = Prop(instance, "UserOfService").text;
-  const auto quoted = [](const std::string& text, const std::string& key) {
-    const std::string from = text.substr(text.find(key + "=\"") + key.size() + 2);
-    return from.substr(0, from.find('"'));
+  const auto quoted = [](const std::string& text, const char* key) {
+    std::smatch match;
+    return std::regex_search(text, match, std::regex(std::string("[.,]") + key + "=\"([^\"]*)\""))
+               ? match[1].str()
+               : std::string();
   };
-  return quoted(service, ",Name") + "/" + quoted(device, "DeviceID");
+  return quoted(service, "Name") + "/" + quoted(device, "DeviceID");
 }
 
 // A path text without its host: a reference value carries the host the

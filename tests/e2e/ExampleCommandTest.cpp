@@ -127,8 +127,9 @@ TEST(ExampleCommandTest, EachServiceIsAvailableToEachFileSystemInItsOrder) {
     }
   }
   EXPECT_EQ(ValuesOf(all.out, "EnumOrder"), orders);
-  EXPECT_EQ(Captures(ValuesOf(all.out, "ServiceProvided"), std::regex(R"(,Name=\\"([^\\]*)\\")")),
-            services);
+  EXPECT_EQ(
+      Captures(ValuesOf(all.out, "ServiceProvided"), std::regex(R"([.,]Name=\\"([^\\]*)\\")")),
+      services);
   EXPECT_EQ(Captures(ValuesOf(all.out, "UserOfService"), std::regex(R"(DeviceID=\\"([^\\]*)\\")")),
             users);
 
@@ -150,9 +151,8 @@ TEST(ExampleCommandTest, RunsThatCannotTestLeaveFailedRecordsThatSayWhy) {
                 RunLine("WriteReadCheck", FileSystemPath(kMissing)) +
                 RunLine("FreeSpaceCheck",
                         "FSD_MountedFileSystem.CreationClassName=\"FSD_MountedFileSystem\"") +
-                RunLine("WriteReadCheck",
-                        R"(TORSK_ComputerSystem.CreationClassName="TORSK_ComputerSystem",Name=")" +
-                            HostName() + R"(")") +
+                RunLine("WriteReadCheck", R"(TORSK_ComputerSystem.Name=")" + HostName() +
+                                              R"(",CreationClassName="TORSK_ComputerSystem")") +
                 "ei FSD_FileSystemDiagnosticRecord\n");
   ASSERT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(result.err, "");
