@@ -198,5 +198,45 @@ TEST(ExampleCommandTest, BothChecksOnRootReportWhatTheyFound) {
   EXPECT_EQ(ValuesOf(result.out, "ErrorCode").back(), "NULL");
 }
 
+// What a real CIMOM does to the example that the other tests do not: a
+// client that writes the keys in another order (SFCB passes them on as
+// written), and an idle-unload sweep, which the provider refuses so that
+// its records stay.
+TEST(ExampleCommandTest, KeysInAnyOrderReachTheirObjectsAndAnIdleUnloadIsRefused) {
+  const std::string reversedService =
+      R"(FSD_FileSystemDiagnosticService.CreationClassName="FSD_FileSystemDiagnosticService",)"
+      R"(systemname=")" +
+      HostName() + R"(",SystemCreationClassName="TORSK_ComputerSystem",NAME="FreeSpaceCheck")";
+  const std::string reversedRoot =
+      R"(FSD_MountedFileSystem.SystemName=")" + HostName() +
+      R"(",DeviceID="/",SystemCreationClassName="TORSK_ComputerSystem",)"
+      R"(CreationClassName="FSD_MountedFileSystem")";
+  const ProgramResult result =
+      RunScript("gi '" + reversedService + "'\n" + RunLine("FreeSpaceCheck", reversedRoot) +
+                "cm '" + reversedService + "' RunDiagnostic 'ManagedElement=" + reversedRoot +
+                "'\nain '" + reversedRoot + "'\nunload-idle\nein FSD_FileSystemDiagnosticRecord\n");
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const std::vector<std::string> lines = Lines(result.out);
+  EXPECT_EQ(ValuesOf(result.out, "Name"), std::vector<std::string>{"\"FreeSpaceCheck\""});
+  EXPECT_EQ(Captures(lines, std::regex(R"re(^(ReturnValue) = [04]$)re")),
+            std::vector<std::string>(2, "ReturnValue"));
+  EXPECT_EQ(
+      Captures(
+          lines,
+          std::regex(
+              R"re(^//localhost/root/cimv2:FSD_FileSystemDiagnosticService.*[.,]Name="(\w+)")re")),
+      (std::vector<std::string>{"FreeSpaceCheck", "WriteReadCheck"}));
+  EXPECT_EQ(
+      Captures(lines,
+               std::regex(R"re(^provider (\w+), \w+ MI: CMPI_RC_NEVER_UNLOAD, stays loaded$)re"))
+          .size(),
+      4U);
+  EXPECT_EQ(
+      Captures(lines,
+               std::regex(R"re(^(//localhost/root/cimv2:FSD_FileSystemDiagnosticRecord)\.)re"))
+          .size(),
+      2U);
+}
+
 }  // namespace
 }  // namespace e2e
