@@ -129,7 +129,8 @@ TEST(ExampleBadInputTest, ClientMistakes) {
       {"unknown class", Deployed({"ei", "FSD_FileSystem"}), 2,
        "cmpihost: ei: unknown class FSD_FileSystem in namespace root/cimv2\n"},
       {"service of another host", Deployed({"cm", otherHost, "RunDiagnostic", root}), 1,
-       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_NOT_FOUND (6)\n"},
+       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_NOT_FOUND (6): No object of this provider at " +
+           otherHost + "\n"},
       {"no element to test", Deployed({"cm", service, "RunDiagnostic"}), 1,
        "cmpihost: InvokeMethod failed: CMPI_RC_ERR_INVALID_PARAMETER (4): RunDiagnostic needs a "
        "ManagedElement reference\n"},
@@ -138,7 +139,9 @@ TEST(ExampleBadInputTest, ClientMistakes) {
        "cmpihost: GetInstance failed: CMPI_RC_ERR_FAILED (1): Could not find or construct "
        "instance\n"},
       {"a method the service does not implement", Deployed({"cm", service, "StopService"}), 1,
-       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_METHOD_NOT_FOUND (17)\n"},
+       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_METHOD_NOT_FOUND (17): No method StopService "
+       "on " +
+           service + "\n"},
   };
   for (const BadInput& c : cases) {
     ExpectRefused(c);
