@@ -15,6 +15,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "cli/Request.h"
+#include "cli/Scaffold.h"
 #include "cli/ScriptRunner.h"
 #include "cli/Session.h"
 #include "cli/TextFormatter.h"
@@ -30,11 +31,12 @@ namespace {
 
 // What the words after the options ask for.
 struct Plan {
-  enum class Kind { kRequest, kScriptFile, kStandardInput };
+  enum class Kind { kRequest, kScriptFile, kStandardInput, kScaffold };
   Kind kind = Kind::kRequest;
   Request request;
   std::string scriptPath;
   std::string scriptText;
+  std::vector<std::string> scaffold;  // PREFIX DIR
 };
 
 std::string ReadScript(const std::string& path) {
@@ -80,6 +82,16 @@ Plan MakePlan(const std::vector<std::string>& words) {
     plan.kind = Plan::Kind::kScriptFile;
     plan.scriptPath = words[1];
     plan.scriptText = ReadScript(plan.scriptPath);
+  } else if (verb.verb == Verb::kNew) {
+    if (words.size() != 3) {
+      throw UsageError(std::string("new: ") +
+                       (words.size() < 3
+                            ? std::string(words.size() < 2 ? "missing PREFIX" : "missing DIR")
+                            : "unexpected argument \"" + words[3] + "\"") +
+                       " (usage: cmpihost new PREFIX DIR)");
+    }
+    plan.kind = Plan::Kind::kScaffold;
+    plan.scaffold = {words[1], words[2]};
   } else {
     plan.request = ParseRequest(words);
   }
@@ -150,6 +162,10 @@ int Run(const Options& options) {
     return 0;
   }
   const Plan plan = MakePlan(options.words);
+  if (plan.kind == Plan::Kind::kScaffold) {
+    std::cout << WriteScaffold(plan.scaffold[0], plan.scaffold[1]);
+    return 0;
+  }
   const TextFormatter text;
   const JsonFormatter json;
   const Formatter& formatter = options.json ? static_cast<const Formatter&>(json) : text;

@@ -90,6 +90,15 @@ std::vector<VerbInfo> MakeVerbs() {
        "  and standard input is not a terminal). Lines run as they arrive.\n"
        "  Example:\n"
        "    printf 'ecn\\nei CIM_DiagnosticTest\\n' | cmpihost --mof schema.mof -\n"},
+      {"new", Verb::kNew, "", "PREFIX DIR", "write a plug-in project for classes PREFIX_*",
+       "  DIR must be new or empty. The project builds against an installed\n"
+       "  libdiagcore with find_package(diagcore) and its test passes as written:\n"
+       "  a service whose runTest is to be filled in, its start-up and provider\n"
+       "  macro, MOF classes derived from the DMTF ones, a registration file\n"
+       "  (unload: never), CMakeLists.txt and a GoogleTest test that runs\n"
+       "  RunDiagnostic in the embedded host. Prints the files it wrote.\n"
+       "  Example:\n"
+       "    cmpihost new NETD netdiag\n"},
       {"help", Verb::kHelp, "", "[VERB]", "print this help, or the help of VERB",
        "  Also: cmpihost --help, cmpihost VERB --help.\n"},
   };

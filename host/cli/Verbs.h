@@ -19,6 +19,7 @@ enum class Verb {
   kReferences,
   kReferenceNames,
   kRun,    // run a script file
+  kNew,    // write a new plug-in project
   kStdin,  // "-": run the commands on standard input
   kHelp,
 };

@@ -46,6 +46,7 @@ TEST(BadInputTest, UsageErrors) {
       {"unknown verb",
        {"eii", "Cli_Shelf"},
        "cmpihost: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "new, "
        "help; see cmpihost --help)\n"},
       {"run without file", {"run"}, "cmpihost: run: missing FILE (usage: cmpihost run FILE)\n"},
       {"script that is a folder",
@@ -63,6 +64,7 @@ TEST(BadInputTest, UsageErrors) {
       {"help for an unknown verb",
        {"help", "nope"},
        "cmpihost: unknown verb \"nope\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "new, "
        "help; see cmpihost --help)\n"},
   };
   for (const BadInput& c : cases) {

@@ -86,7 +86,8 @@ TEST(RequestTest, ShapeErrorsSayWhatAndShowTheUsage) {
     std::string message;
   } cases[] = {
       {{"eii", "X"},
-       "unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, help; see "
+       "unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, help; "
+       "see "
        "cmpihost --help)"},
       {{"ei"}, "ei: missing CLASS (usage: cmpihost ei CLASS)"},
       {{"gi"}, "gi: missing PATH (usage: cmpihost gi PATH)"},
@@ -107,7 +108,7 @@ TEST(RequestTest, ShapeErrorsSayWhatAndShowTheUsage) {
       {{"ai", "P", "--role", "A", "--role", "B"},
        "ai: option --role is given twice (usage: cmpihost ai PATH [FILTER OPTIONS])"},
       {{},
-       "no verb given (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, help; see "
+       "no verb given (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, help; see "
        "cmpihost --help)"},
   };
   for (const auto& c : cases) {

@@ -54,7 +54,8 @@ TEST(ScriptTest, ABadLineStopsTheScriptNamingFileAndLine) {
     std::string err;
   } cases[] = {
       {"echo before\n\neii Cli_Shelf\necho never\n",
-       ":3: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, help; "
+       ":3: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, "
+       "help; "
        "see cmpihost --help)\n"},
       {"echo before\ngi 'Cli_Shelf.Id=\"s1\"\n", ":2: column 4: unterminated single quote\n"},
       {"echo before\nei Nope\n", ":2: ei: unknown class Nope in namespace root/cimv2\n"},
