@@ -173,7 +173,10 @@ int Run(const Options& options) {
   Progress progress(std::cerr, ProgressMode(options, plan));
   Session session;
   if (options.trace) {
-    session.host().onLog([&progress](const LogRecord& record) {
+    session.host().onLog([&progress, &options](const LogRecord& record) {
+      if (LevelOf(record) > options.traceLevel) {
+        return;
+      }
       progress.clear();
       std::cout << std::flush;
       std::cerr << TraceLine(record) << '\n';

@@ -83,6 +83,25 @@ TEST(OutputTest, ProviderInstancesMethodsAndTrace) {
   EXPECT_EQ(twice.err, "[4 clitest] +++ InvokeMethod\n[trace 2 clitest] Twice called\n");
 }
 
+TEST(OutputTest, TraceLevelsFilterBySeverityAndOptionsMayFollowTheVerb) {
+  const struct {
+    const char* option;
+    const char* err;
+  } cases[] = {
+      {"--trace=debug", "[4 clitest] +++ InvokeMethod\n[trace 2 clitest] Twice called\n"},
+      {"--trace=info", "[trace 2 clitest] Twice called\n"},
+      {"--trace=warning", "[trace 2 clitest] Twice called\n"},
+      {"--trace=error", ""},
+  };
+  for (const auto& c : cases) {
+    const CommandResult twice =
+        RunCmpihost(WithProvider({"cm", kWidget, "twice", c.option, "n=1"}));
+    EXPECT_EQ(twice.exitCode, 0) << c.option;
+    EXPECT_EQ(twice.out, "ReturnValue = 2\nDoubled = \"\"\n") << c.option;
+    EXPECT_EQ(twice.err, c.err) << c.option;
+  }
+}
+
 TEST(OutputTest, AssociationsTheirFiltersAndTheEmptyAnswerHint) {
   ExpectSuccess(RunCmpihost(WithProvider({"ain", kWidget})), "root/cimv2:Cli_Shelf.Id=\"s1\"\n");
   ExpectSuccess(RunCmpihost(WithProvider({"ain", kWidget, "--assoc-class", "Cli_WidgetOnShelf",
