@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "broker/PathText.h"
@@ -106,6 +107,26 @@ const ParameterDecl& RequireInputParameter(const ClassDecl& decl, const MethodDe
                    (known.empty() ? " (it takes none)" : " (its input parameters: " + known + ")"));
 }
 
+// A path reaches the provider only with every key of its class, since a
+// provider cannot find an object by part of its keys and would answer with
+// a failure that does not say what the path lacks.
+void RequireAllKeys(const std::string& text, const ClassDecl& decl,
+                    const std::vector<PathSyntax::Key>& given) {
+  std::vector<std::string> missing;
+  for (const PropertyDecl* key : decl.keyProperties()) {
+    const bool present = std::any_of(given.begin(), given.end(), [&](const PathSyntax::Key& k) {
+      return SameName(k.name, key->name);
+    });
+    if (!present) {
+      missing.push_back(key->name);
+    }
+  }
+  if (!missing.empty()) {
+    throw UsageError("path '" + text + "' lacks " + (missing.size() == 1 ? "key " : "keys ") +
+                     NameList(missing) + " of class " + decl.name());
+  }
+}
+
 std::vector<Argument> CheckedArguments(const ClassDecl& decl, const MethodDecl& method,
                                        const std::vector<MethodArgument>& given) {
   std::vector<Argument> arguments;
@@ -178,6 +199,9 @@ void Executor::requireReference(const std::string& text, const std::string& refC
                        " (the declared reference class) nor a subclass of it");
     }
     requireReferenceKeys(text, *decl, nameSpace);
+    if (!syntax.keys.empty()) {
+      RequireAllKeys(text, *decl, syntax.keys);
+    }
   } catch (const UsageError& error) {
     throw UsageError(what + ": " + error.what());
   } catch (const HostError& error) {
@@ -197,9 +221,17 @@ void Executor::requireReferenceKeys(const std::string& text, const ClassDecl& de
   }
 }
 
-Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly) const {
+void Executor::requireAssociation(const std::string& nameSpace, const std::string& className,
+                                  const char* option) const {
+  const ClassDecl* decl = session_.repository().findClass(nameSpace, className);
+  if (decl != nullptr && !decl->isAssociation()) {
+    throw UsageError(std::string(option) + " " + className + ": the class is not an association");
+  }
+}
+
+Executor::ClassTarget Executor::resolve(const std::string& text, TargetKind kind) const {
   const PathHead head = ReadPathHead(text);
-  if (classOnly && head.hasKeys) {
+  if (kind == TargetKind::kClass && head.hasKeys) {
     throw UsageError("expected a class name, not an instance path: " + text);
   }
   ClassTarget target;
@@ -209,6 +241,9 @@ Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly)
   target.text = text;
   if (head.hasKeys) {
     requireReferenceKeys(text, *target.decl, target.nameSpace);
+    RequireAllKeys(text, *target.decl, ParsePathSyntax(text).keys);
+  } else if (kind == TargetKind::kInstancePath) {
+    RequireAllKeys(text, *target.decl, {});
   }
   return target;
 }
@@ -221,7 +256,7 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
       throw UsageError("namespace " + session_.nameSpace() + " holds no classes");
     }
   } else {
-    const ClassTarget target = resolve(request.target, true);
+    const ClassTarget target = resolve(request.target, TargetKind::kClass);
     classes = session_.repository().classAndSubclasses(target.nameSpace, target.decl->name());
   }
   std::vector<std::string> names;
@@ -233,7 +268,7 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
 }
 
 Outcome Executor::enumerateInstances(const Request& request) {
-  const ClassTarget target = resolve(request.target, true);
+  const ClassTarget target = resolve(request.target, TargetKind::kClass);
   Host& host = session_.host();
   const bool names = request.verb->verb == Verb::kEnumerateInstanceNames;
   const Reply reply = names ? host.enumerateInstanceNames(target.nameSpace, target.decl->name())
@@ -263,7 +298,7 @@ Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) c
 }
 
 Outcome Executor::getInstance(const Request& request) {
-  const ClassTarget target = resolve(request.target, false);
+  const ClassTarget target = resolve(request.target, TargetKind::kInstancePath);
   const Reply reply = session_.host().getInstance(target.text);
   Outcome outcome;
   if (reply.status.rc != CMPI_RC_OK) {
@@ -278,7 +313,7 @@ Outcome Executor::getInstance(const Request& request) {
 }
 
 Outcome Executor::invokeMethod(const Request& request) {
-  const ClassTarget target = resolve(request.target, false);
+  const ClassTarget target = resolve(request.target, TargetKind::kPath);
   const MethodDecl& method = RequireMethod(*target.decl, request.method);
   const std::vector<Argument> arguments = CheckedArguments(*target.decl, method, request.arguments);
   for (const Argument& argument : arguments) {
@@ -298,12 +333,20 @@ Outcome Executor::invokeMethod(const Request& request) {
 }
 
 Outcome Executor::associate(const Request& request) {
-  const ClassTarget target = resolve(request.target, false);
+  const ClassTarget target = resolve(request.target, TargetKind::kPath);
   const AssociationFilter& filter = request.filter;
   for (const auto* className : {&filter.assocClass, &filter.resultClass}) {
     if (className->has_value()) {
       requireClass(target.nameSpace, **className);
     }
+  }
+  const bool associators =
+      request.verb->verb == Verb::kAssociators || request.verb->verb == Verb::kAssociatorNames;
+  // ri and rin name the association by --result-class.
+  const auto& associationClass = associators ? filter.assocClass : filter.resultClass;
+  if (associationClass.has_value()) {
+    requireAssociation(target.nameSpace, *associationClass,
+                       associators ? "--assoc-class" : "--result-class");
   }
   Host& host = session_.host();
   Reply reply;
@@ -324,8 +367,6 @@ Outcome Executor::associate(const Request& request) {
       names = true;
   }
   Outcome outcome = listed(*request.verb, reply, names);
-  const bool associators =
-      request.verb->verb == Verb::kAssociators || request.verb->verb == Verb::kAssociatorNames;
   if (associators && !filter.assocClass && reply.status.rc == CMPI_RC_OK &&
       reply.instances().empty() && reply.paths().empty()) {
     outcome.hint = kNoAssocClassHint;

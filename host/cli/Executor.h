@@ -31,9 +31,16 @@ class Executor {
 
  private:
   struct ClassTarget;
-  // The class a CLASS (`classOnly`) or PATH argument names, which must exist.
-  ClassTarget resolve(const std::string& text, bool classOnly) const;
+  // What a verb's first argument must be: a class name; a path, which may
+  // be a bare class name (a static method, class-level associations) but
+  // when it has keys has all of them; or an instance path with all its keys.
+  enum class TargetKind { kClass, kPath, kInstancePath };
+  // The class the argument names, which must exist.
+  ClassTarget resolve(const std::string& text, TargetKind kind) const;
   void requireClass(const std::string& nameSpace, const std::string& className) const;
+  // A class that an association filter names must be an association.
+  void requireAssociation(const std::string& nameSpace, const std::string& className,
+                          const char* option) const;
   // A reference given as text (`what`: "argument X", "key Y") must name a
   // class the repository knows that is `refClass` or one of its subclasses;
   // its own reference keys are checked the same way. A text without a

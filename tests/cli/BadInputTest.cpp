@@ -130,6 +130,27 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
       {"reference key that is no path",
        {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.\""},
        "cmpihost: gi: key Widget: path text 'Cli_Widget.': column 12: expected a key name\n"},
+      {"path without one of its keys",
+       {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.Name=\\\"w1\\\"\""},
+       "cmpihost: gi: path 'Cli_WidgetOnShelf.Widget=\"Cli_Widget.Name=\\\"w1\\\"\"' lacks key "
+       "Shelf of class Cli_WidgetOnShelf\n"},
+      {"get of a bare class name",
+       {"gi", "Cli_WidgetOnShelf"},
+       "cmpihost: gi: path 'Cli_WidgetOnShelf' lacks keys Widget, Shelf of class "
+       "Cli_WidgetOnShelf\n"},
+      {"method call on a path without its keys",
+       {"cm", "Cli_Widget.Count=1", "Fail"},
+       "cmpihost: cm: path 'Cli_Widget.Count=1' lacks key Name of class Cli_Widget\n"},
+      {"reference argument without its keys",
+       {"cm", kWidget, "Twice", "Peer=Cli_Widget.Count=1"},
+       "cmpihost: cm: argument Peer: path 'Cli_Widget.Count=1' lacks key Name of class "
+       "Cli_Widget\n"},
+      {"assoc-class that is no association",
+       {"ain", kWidget, "--assoc-class", "Cli_Shelf"},
+       "cmpihost: ain: --assoc-class Cli_Shelf: the class is not an association\n"},
+      {"result-class of references that is no association",
+       {"rin", kWidget, "--result-class", "Cli_Shelf"},
+       "cmpihost: rin: --result-class Cli_Shelf: the class is not an association\n"},
   };
   for (const BadInput& c : cases) {
     BadInput withProvider = c;
