@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -44,9 +46,11 @@ std::string ReadScript(const std::string& path) {
   if (std::filesystem::is_directory(path, ignored)) {
     throw UsageError("run: cannot read the script " + path + ": it is a directory");
   }
+  errno = 0;
   std::ifstream file(path);
   if (!file) {
-    throw UsageError("run: cannot open the script " + path);
+    throw UsageError("run: cannot open the script " + path + ": " +
+                     (errno != 0 ? std::strerror(errno) : "unknown reason"));
   }
   std::ostringstream text;
   text << file.rdbuf();

@@ -198,10 +198,9 @@ void Executor::requireReference(const std::string& text, const std::string& refC
       throw UsageError("class " + decl->name() + " is neither " + refClass +
                        " (the declared reference class) nor a subclass of it");
     }
+    // Unlike the request's own path, a reference may lack keys: what a
+    // provider makes of such an element is the provider's to answer.
     requireReferenceKeys(text, *decl, nameSpace);
-    if (!syntax.keys.empty()) {
-      RequireAllKeys(text, *decl, syntax.keys);
-    }
   } catch (const UsageError& error) {
     throw UsageError(what + ": " + error.what());
   } catch (const HostError& error) {
