@@ -161,6 +161,8 @@ Outcome Executor::dispatch(const Request& request) {
   switch (request.verb->verb) {
     case Verb::kEnumerateClassNames:
       return enumerateClassNames(request);
+    case Verb::kGetClass:
+      return getClass(request);
     case Verb::kEnumerateInstances:
     case Verb::kEnumerateInstanceNames:
       return enumerateInstances(request);
@@ -264,6 +266,11 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
     names.push_back(decl->name());
   }
   return Printed(formatter_.classNames(names));
+}
+
+Outcome Executor::getClass(const Request& request) const {
+  const ClassTarget target = resolve(request.target, TargetKind::kClass);
+  return Printed(formatter_.classDeclaration(*target.decl));
 }
 
 Outcome Executor::enumerateInstances(const Request& request) {

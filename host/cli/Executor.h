@@ -53,6 +53,7 @@ class Executor {
 
   Outcome dispatch(const Request& request);
   Outcome enumerateClassNames(const Request& request) const;
+  Outcome getClass(const Request& request) const;
   Outcome enumerateInstances(const Request& request);
   Outcome getInstance(const Request& request);
   Outcome invokeMethod(const Request& request);

@@ -9,6 +9,7 @@
 
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
+#include "repository/ClassDecl.h"
 
 namespace cmpihost::cli {
 
@@ -23,6 +24,13 @@ class Formatter {
   // `returnValue` is null when the provider returned no data.
   virtual std::string methodResult(const Value* returnValue,
                                    const std::vector<Property>& outArguments) const = 0;
+  // A class with its keys, properties (own and inherited) and methods.
+  virtual std::string classDeclaration(const ClassDecl& decl) const = 0;
+  // A failed request for standard output: nothing as text (the error goes
+  // to standard error), so that a program reading JSON gets one document
+  // per request. `code` is the CMPI rc, or null (nullptr `name`) for a usage error.
+  virtual std::string failure(const CMPIrc* code, const char* name,
+                              const std::string& message) const = 0;
   // A script's echo line.
   virtual std::string echo(const std::string& text) const = 0;
   // Printed between the outputs of two requests in a row that both showed

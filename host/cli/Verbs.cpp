@@ -23,6 +23,13 @@ std::vector<VerbInfo> MakeVerbs() {
        "  Examples:\n"
        "    cmpihost --mof schema.mof ecn\n"
        "    cmpihost --mof schema.mof ecn CIM_ManagedElement\n"},
+      {"gc", Verb::kGetClass, "GetClass", "CLASS",
+       "print CLASS: keys, properties, methods",
+       "  The class as MOF declares it, with what it inherits: [Key] before each\n"
+       "  key, each property's type, each method's return type and parameters\n"
+       "  with their direction ([In], [Out], [In, Out]).\n"
+       "  Example:\n"
+       "    cmpihost --mof schema.mof gc CIM_DiagnosticService\n"},
       {"ei", Verb::kEnumerateInstances, "EnumerateInstances", "CLASS",
        "list the instances of CLASS and its subclasses",
        "  CLASS may carry a namespace: root/interop:CIM_RegisteredProfile.\n"

@@ -10,6 +10,7 @@ namespace cmpihost::cli {
 
 enum class Verb {
   kEnumerateClassNames,
+  kGetClass,
   kEnumerateInstances,
   kEnumerateInstanceNames,
   kGetInstance,

@@ -45,7 +45,7 @@ TEST(BadInputTest, UsageErrors) {
   const BadInput cases[] = {
       {"unknown verb",
        {"eii", "Cli_Shelf"},
-       "cmpihost: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "cmpihost: unknown verb \"eii\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
        "new, "
        "help; see cmpihost --help)\n"},
       {"run without file", {"run"}, "cmpihost: run: missing FILE (usage: cmpihost run FILE)\n"},
@@ -60,7 +60,8 @@ TEST(BadInputTest, UsageErrors) {
        "cmpihost: -: unexpected argument \"ecn\" (usage: cmpihost -)\n"},
       {"help for an unknown verb",
        {"help", "nope"},
-       "cmpihost: unknown verb \"nope\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "cmpihost: unknown verb \"nope\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, "
+       "-, "
        "new, "
        "help; see cmpihost --help)\n"},
   };
@@ -81,6 +82,12 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
       {"class name where a path is needed",
        {"ei", "Cli_Shelf.Id=\"s1\""},
        "cmpihost: ei: expected a class name, not an instance path: Cli_Shelf.Id=\"s1\"\n"},
+      {"get of a class that is not loaded",
+       {"gc", "Nope"},
+       "cmpihost: gc: unknown class Nope in namespace root/cimv2\n"},
+      {"get of an instance path instead of a class",
+       {"gc", kWidget},
+       "cmpihost: gc: expected a class name, not an instance path: Cli_Widget.Name=\"w1\"\n"},
       {"unknown class",
        {"ei", "Nope"},
        "cmpihost: ei: unknown class Nope in namespace root/cimv2\n"},

@@ -83,6 +83,39 @@ TEST(OutputTest, ProviderInstancesMethodsAndTrace) {
   EXPECT_EQ(twice.err, "[4 clitest] +++ InvokeMethod\n[trace 2 clitest] Twice called\n");
 }
 
+TEST(OutputTest, GetClassShowsKeysPropertiesAndMethodsWithTheirParameters) {
+  ExpectSuccess(RunCmpihost(WithMof({"gc", "cli_widget"})),
+                "class Cli_Widget : Cli_Element {\n"
+                "    [Key] string Name;\n"
+                "    uint32 Count;\n"
+                "    boolean Enabled;\n"
+                "    string Tags[];\n"
+                "    uint32 Twice([In] uint32 N, [In] string Label, [In] Cli_Element REF Peer, "
+                "[Out] string Doubled, [Out] string PeerName);\n"
+                "    uint32 Fail();\n"
+                "};\n");
+  ExpectSuccess(RunCmpihost(WithMof({"gc", "Cli_WidgetOnShelf"})),
+                "[Association]\n"
+                "class Cli_WidgetOnShelf {\n"
+                "    [Key] Cli_Widget REF Widget;\n"
+                "    [Key] Cli_Shelf REF Shelf;\n"
+                "};\n");
+  ExpectSuccess(
+      RunCmpihost(WithMof({"gc", "Cli_Element", "--json"})),
+      "{\"className\":\"Cli_Element\",\"superClass\":null,\"association\":false,"
+      "\"abstract\":true,\"keys\":[\"Name\"],\"properties\":{\"Name\":{\"type\":\"string\","
+      "\"key\":true}},\"methods\":{}}\n");
+  const CommandResult twice = RunCmpihost(WithMof({"--json", "gc", "Cli_Widget"}));
+  EXPECT_NE(twice.out.find("\"Twice\":{\"returnType\":\"uint32\",\"parameters\":[{\"name\":"
+                           "\"N\",\"type\":\"uint32\",\"in\":true,\"out\":false},"),
+            std::string::npos)
+      << twice.out;
+  EXPECT_NE(twice.out.find("{\"name\":\"Peer\",\"type\":\"ref\",\"refClass\":\"Cli_Element\","
+                           "\"in\":true,\"out\":false}"),
+            std::string::npos)
+      << twice.out;
+}
+
 TEST(OutputTest, TraceLevelsFilterBySeverityAndOptionsMayFollowTheVerb) {
   const struct {
     const char* option;

@@ -95,7 +95,8 @@ TEST(RequestTest, ShapeErrorsSayWhatAndShowTheUsage) {
     std::string message;
   } cases[] = {
       {{"eii", "X"},
-       "unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, help; "
+       "unknown verb \"eii\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, "
+       "help; "
        "see "
        "cmpihost --help)"},
       {{"ei"}, "ei: missing CLASS (usage: cmpihost ei CLASS)"},
@@ -117,7 +118,7 @@ TEST(RequestTest, ShapeErrorsSayWhatAndShowTheUsage) {
       {{"ai", "P", "--role", "A", "--role", "B"},
        "ai: option --role is given twice (usage: cmpihost ai PATH [FILTER OPTIONS])"},
       {{},
-       "no verb given (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, help; see "
+       "no verb given (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, help; see "
        "cmpihost --help)"},
   };
   for (const auto& c : cases) {

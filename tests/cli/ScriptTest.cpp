@@ -54,7 +54,7 @@ TEST(ScriptTest, ABadLineStopsTheScriptNamingFileAndLine) {
     std::string err;
   } cases[] = {
       {"echo before\n\neii Cli_Shelf\necho never\n",
-       ":3: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, "
+       ":3: unknown verb \"eii\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, "
        "help; "
        "see cmpihost --help)\n"},
       {"echo before\ngi 'Cli_Shelf.Id=\"s1\"\n", ":2: column 4: unterminated single quote\n"},
