@@ -193,19 +193,29 @@ int Run(const Options& options) {
   return RunScript(session, formatter, progress, plan);
 }
 
+// With --json, an error is also a document on standard output, so that a
+// program that reads the output sees why there is no answer.
+int Refused(bool json, const std::string& message, int exitCode) {
+  if (json) {
+    std::cout << JsonFormatter().failure(nullptr, message);
+  }
+  std::cout << std::flush;
+  std::cerr << "cmpihost: " << message << '\n';
+  return exitCode;
+}
+
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv) {
+  bool json = false;
   try {
-    return Run(ParseOptions(argc, argv));
+    const Options options = ParseOptions(argc, argv);
+    json = options.json;
+    return Run(options);
   } catch (const UsageError& error) {
-    std::cout << std::flush;
-    std::cerr << "cmpihost: " << error.what() << '\n';
-    return 2;
+    return Refused(json, error.what(), 2);
   } catch (const std::exception& error) {
-    std::cout << std::flush;
-    std::cerr << "cmpihost: unexpected error: " << error.what() << '\n';
-    return 1;
+    return Refused(json, std::string("unexpected error: ") + error.what(), 1);
   }
 }
 

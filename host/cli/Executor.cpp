@@ -25,30 +25,26 @@ bool SameName(const std::string& a, const std::string& b) {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
 }
 
-// "<Operation> failed: NAME (code): message". The library's entry points
-// begin their own messages with "<Operation> failed: ", which is said once.
-std::string Failure(const VerbInfo& verb, const Status& status) {
+// Sets the outcome's failure: "<Operation> failed: NAME (code): message".
+// The library's entry points begin their own messages with
+// "<Operation> failed: ", which is said once.
+void SetFailure(Outcome& outcome, const VerbInfo& verb, const Status& status) {
   const std::string failed = std::string(verb.operation) + " failed: ";
-  std::string text = failed + CmpiStatusName(status.rc) + " (" + std::to_string(status.rc) + ")";
   std::string message = status.hasMessage ? status.message : std::string();
   if (message.compare(0, failed.size(), failed) == 0) {
     message.erase(0, failed.size());
   }
+  outcome.failure = failed + CmpiStatusName(status.rc) + " (" + std::to_string(status.rc) + ")";
   if (!message.empty()) {
-    text += ": " + message;
+    outcome.failure += ": " + message;
   }
-  return text;
+  outcome.failureCode = status.rc;
+  outcome.failureMessage = message;
 }
 
 Outcome Printed(std::string output) {
   Outcome outcome;
   outcome.output = std::move(output);
-  return outcome;
-}
-
-Outcome Failed(std::string failure) {
-  Outcome outcome;
-  outcome.failure = std::move(failure);
   return outcome;
 }
 
@@ -149,7 +145,17 @@ Executor::Executor(Session& session, const Formatter& formatter)
 
 Outcome Executor::run(const Request& request) {
   try {
-    return dispatch(request);
+    Outcome outcome = dispatch(request);
+    // A failed request's document takes the place of what came before the
+    // failure, so that a program reads one answer per request.
+    const std::string document =
+        outcome.failure.empty() ? ""
+                                : formatter_.failure(&outcome.failureCode, outcome.failureMessage);
+    if (!document.empty()) {
+      outcome.output = document;
+      outcome.instances = false;
+    }
+    return outcome;
   } catch (const UsageError& error) {
     throw UsageError(std::string(request.verb->name) + ": " + error.what());
   } catch (const HostError& error) {
@@ -285,7 +291,7 @@ Outcome Executor::enumerateInstances(const Request& request) {
 Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) const {
   Outcome outcome;
   if (reply.status.rc != CMPI_RC_OK) {
-    outcome.failure = Failure(verb, reply.status);
+    SetFailure(outcome, verb, reply.status);
   }
   // After a failure, what was delivered before it is still shown.
   if (names) {
@@ -308,7 +314,7 @@ Outcome Executor::getInstance(const Request& request) {
   const Reply reply = session_.host().getInstance(target.text);
   Outcome outcome;
   if (reply.status.rc != CMPI_RC_OK) {
-    outcome.failure = Failure(*request.verb, reply.status);
+    SetFailure(outcome, *request.verb, reply.status);
   }
   const std::vector<InstanceSnapshot> instances = reply.instances();
   if (!instances.empty()) {
@@ -332,7 +338,9 @@ Outcome Executor::invokeMethod(const Request& request) {
   std::vector<Property> out;
   const Reply reply = session_.host().invokeMethod(target.text, method.name, arguments, &out);
   if (reply.status.rc != CMPI_RC_OK) {
-    return Failed(Failure(*request.verb, reply.status));
+    Outcome outcome;
+    SetFailure(outcome, *request.verb, reply.status);
+    return outcome;
   }
   const std::vector<Value> data = reply.data();
   return Printed(formatter_.methodResult(data.empty() ? nullptr : &data.front(), out));

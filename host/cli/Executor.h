@@ -14,8 +14,10 @@
 namespace cmpihost::cli {
 
 struct Outcome {
-  std::string output;      // for standard output; may be empty
-  std::string failure;     // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  std::string output;               // for standard output; may be empty
+  std::string failure;              // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  CMPIrc failureCode = CMPI_RC_OK;  // with `failure`: the rc and the provider's message
+  std::string failureMessage;
   std::string hint;        // advice for standard error about an answer that looks wrong
   bool instances = false;  // `output` shows instances (a script separates such runs)
 };

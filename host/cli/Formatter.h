@@ -26,11 +26,15 @@ class Formatter {
                                    const std::vector<Property>& outArguments) const = 0;
   // A class with its keys, properties (own and inherited) and methods.
   virtual std::string classDeclaration(const ClassDecl& decl) const = 0;
-  // A failed request for standard output: nothing as text (the error goes
-  // to standard error), so that a program reading JSON gets one document
-  // per request. `code` is the CMPI rc, or null (nullptr `name`) for a usage error.
-  virtual std::string failure(const CMPIrc* code, const char* name,
-                              const std::string& message) const = 0;
+  // A failed request or bad line for standard output, beside the error line
+  // on standard error: nothing as text; as JSON one document, so that a
+  // program reading the output sees every request's answer. `code` is the
+  // CMPI rc, null for bad usage or input (exit code 2).
+  virtual std::string failure(const CMPIrc* code, const std::string& message) const = 0;
+  // A script's mof, providers, lib-dir or namespace line that was done:
+  // nothing as text; as JSON {"DIRECTIVE": ARGUMENT}, so that every step
+  // of a script is one line.
+  virtual std::string directive(const std::string& name, const std::string& argument) const = 0;
   // A script's echo line.
   virtual std::string echo(const std::string& text) const = 0;
   // Printed between the outputs of two requests in a row that both showed

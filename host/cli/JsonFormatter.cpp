@@ -135,16 +135,14 @@ std::string JsonFormatter::classDeclaration(const ClassDecl& decl) const {
   return json.text() + "\n";
 }
 
-std::string JsonFormatter::failure(const CMPIrc* code, const char* name,
-                                   const std::string& message) const {
+std::string JsonFormatter::failure(const CMPIrc* code, const std::string& message) const {
   JsonWriter json;
   json.beginObject().key("error").beginObject().key("code");
   if (code != nullptr) {
-    json.number(static_cast<std::int64_t>(*code));
+    json.number(static_cast<std::int64_t>(*code)).key("name").string(CmpiStatusName(*code));
   } else {
-    json.null();
+    json.null().key("name").string("usage");
   }
-  json.key("name").string(name != nullptr ? name : "usage");
   json.key("message").string(message).endObject().endObject();
   return json.text() + "\n";
 }
@@ -185,6 +183,12 @@ std::string JsonFormatter::methodResult(const Value* returnValue,
   json.key("outArguments");
   WriteNamedValues(json, outArguments);
   json.endObject();
+  return json.text() + "\n";
+}
+
+std::string JsonFormatter::directive(const std::string& name, const std::string& argument) const {
+  JsonWriter json;
+  json.beginObject().key(name).string(argument).endObject();
   return json.text() + "\n";
 }
 

@@ -16,8 +16,8 @@ class JsonFormatter : public Formatter {
   std::string methodResult(const Value* returnValue,
                            const std::vector<Property>& outArguments) const override;
   std::string classDeclaration(const ClassDecl& decl) const override;
-  std::string failure(const CMPIrc* code, const char* name,
-                      const std::string& message) const override;
+  std::string failure(const CMPIrc* code, const std::string& message) const override;
+  std::string directive(const std::string& name, const std::string& argument) const override;
   std::string echo(const std::string& text) const override;
   std::string listingSeparator() const override;
 };

@@ -70,8 +70,7 @@ std::string TextFormatter::classDeclaration(const ClassDecl& decl) const {
   return text + "};\n";
 }
 
-std::string TextFormatter::failure(const CMPIrc* /*code*/, const char* /*name*/,
-                                   const std::string& /*message*/) const {
+std::string TextFormatter::failure(const CMPIrc* /*code*/, const std::string& /*message*/) const {
   return "";
 }
 
@@ -104,6 +103,11 @@ std::string TextFormatter::methodResult(const Value* returnValue,
     text += argument.name + " = " + argument.value.toMof() + "\n";
   }
   return text;
+}
+
+std::string TextFormatter::directive(const std::string& /*name*/,
+                                     const std::string& /*argument*/) const {
+  return "";
 }
 
 std::string TextFormatter::echo(const std::string& text) const {

@@ -23,8 +23,7 @@ std::vector<VerbInfo> MakeVerbs() {
        "  Examples:\n"
        "    cmpihost --mof schema.mof ecn\n"
        "    cmpihost --mof schema.mof ecn CIM_ManagedElement\n"},
-      {"gc", Verb::kGetClass, "GetClass", "CLASS",
-       "print CLASS: keys, properties, methods",
+      {"gc", Verb::kGetClass, "GetClass", "CLASS", "print CLASS: keys, properties, methods",
        "  The class as MOF declares it, with what it inherits: [Key] before each\n"
        "  key, each property's type, each method's return type and parameters\n"
        "  with their direction ([In], [Out], [In, Out]).\n"

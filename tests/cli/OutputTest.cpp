@@ -171,30 +171,63 @@ TEST(OutputTest, AssociationsTheirFiltersAndTheEmptyAnswerHint) {
   EXPECT_EQ(failed.err.find("hint"), std::string::npos) << failed.err;
 }
 
+// With --json the same error line goes to standard error, and standard
+// output gets the failure as a document, in place of any answer.
 TEST(OutputTest, FailedRequestsExitOneWithTheStatus) {
   const struct {
     std::vector<std::string> args;
     std::string err;
+    std::string json;
   } cases[] = {
       {{"gi", "Cli_Widget.Name=\"w9\""},
        "cmpihost: GetInstance failed: CMPI_RC_ERR_FAILED (1): Could not find or construct "
-       "instance\n"},
+       "instance\n",
+       R"({"error":{"code":1,"name":"CMPI_RC_ERR_FAILED","message":"Could not find or construct )"
+       R"(instance"}})"},
       {{"cm", kWidget, "Fail"},
-       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_FAILED (1): the widget refused\n"},
+       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_FAILED (1): the widget refused\n",
+       R"({"error":{"code":1,"name":"CMPI_RC_ERR_FAILED","message":"the widget refused"}})"},
       {{"gi", "Cli_Shelf.Id=\"s9\""},
        "cmpihost: GetInstance failed: CMPI_RC_ERR_NOT_FOUND (6): no instance "
-       "root/cimv2:Cli_Shelf.Id=\"s9\"\n"},
+       "root/cimv2:Cli_Shelf.Id=\"s9\"\n",
+       R"({"error":{"code":6,"name":"CMPI_RC_ERR_NOT_FOUND","message":"no instance )"
+       R"(root/cimv2:Cli_Shelf.Id=\"s9\""}})"},
       // Served by nothing at all: the host's own refusal, still a failed request.
       {{"ei", "Cli_Gadget"},
        "cmpihost: EnumerateInstances failed: CMPI_RC_ERR_NOT_SUPPORTED (7): no provider serves "
-       "class Cli_Gadget or its subclasses, and it has no static instances\n"},
+       "class Cli_Gadget or its subclasses, and it has no static instances\n",
+       R"({"error":{"code":7,"name":"CMPI_RC_ERR_NOT_SUPPORTED","message":"no provider serves )"
+       R"(class Cli_Gadget or its subclasses, and it has no static instances"}})"},
   };
   for (const auto& c : cases) {
     const CommandResult result = RunCmpihost(WithProvider(c.args));
     EXPECT_EQ(result.exitCode, 1) << c.args[1];
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, c.err);
+
+    std::vector<std::string> json = c.args;
+    json.push_back("--json");
+    const CommandResult document = RunCmpihost(WithProvider(json));
+    EXPECT_EQ(document.exitCode, 1) << c.args[1];
+    EXPECT_EQ(document.out, c.json + "\n");
+    EXPECT_EQ(document.err, c.err);
   }
+}
+
+TEST(OutputTest, WithJsonBadUsageIsADocumentToo) {
+  const CommandResult keys = RunCmpihost(WithMof({"--json", "gi", "Cli_Shelf"}));
+  EXPECT_EQ(keys.exitCode, 2);
+  EXPECT_EQ(keys.out,
+            R"({"error":{"code":null,"name":"usage","message":"gi: path 'Cli_Shelf' lacks key Id )"
+            R"(of class Cli_Shelf"}})"
+            "\n");
+  EXPECT_EQ(keys.err, "cmpihost: gi: path 'Cli_Shelf' lacks key Id of class Cli_Shelf\n");
+
+  const CommandResult option = RunCmpihost({"ein", "X", "--json", "--bogus"});
+  EXPECT_EQ(option.exitCode, 2);
+  EXPECT_EQ(option.out,
+            "{\"error\":{\"code\":null,\"name\":\"usage\",\"message\":\"ein: unknown option "
+            "--bogus (usage: cmpihost ein CLASS)\"}}\n");
 }
 
 TEST(OutputTest, RegistrationFileFindsItsLibraryInItsOwnFolder) {
