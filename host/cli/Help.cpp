@@ -115,11 +115,24 @@ const char* const kReference =
     "     a provider library or factory that is missing\n"
     "\n"
     "Examples:\n"
-    "  cmpihost --mof schema.mof ecn\n"
-    "  cmpihost --mof schema.mof --providers diag.reg ei CIM_DiagnosticTest\n"
-    "  cmpihost --mof schema.mof --providers diag.reg --json \\\n"
-    "    gi 'CIM_DiagnosticTest.Name=\"fs\"'\n"
-    "  cmpihost --mof schema.mof --providers diag.reg --trace run demo.cmpihost\n";
+    "  The examples use the shipped schema and example plug-in, installed under\n"
+    "  the prefix P, and name two of the example's objects. In a shell:\n"
+    "    S=$P/share/diagcore\n"
+    "    E=$S/examples/filesystem-diag\n"
+    "    FSD=\"--mof $S/schema/diagcore.mof --mof $E/mof/filesystemdiag.mof\n"
+    "      --providers $E/deploy/filesystemdiag.reg --lib-dir $P/lib/diagcore\"\n"
+    "    SYS=\"SystemCreationClassName=\\\"TORSK_ComputerSystem\\\",\\\n"
+    "SystemName=\\\"$(uname -n)\\\"\"\n"
+    "    SERVICE=\"FSD_FileSystemDiagnosticService.Name=\\\"FreeSpaceCheck\\\",\\\n"
+    "CreationClassName=\\\"FSD_FileSystemDiagnosticService\\\",$SYS\"\n"
+    "    ROOT=\"FSD_MountedFileSystem.DeviceID=\\\"/\\\",\\\n"
+    "CreationClassName=\\\"FSD_MountedFileSystem\\\",$SYS\"\n"
+    "  Then:\n"
+    "    cmpihost $FSD ecn\n"
+    "    cmpihost $FSD --json gi \"$SERVICE\"\n"
+    "    cmpihost $FSD --trace=warning cm \"$SERVICE\" RunDiagnostic \\\n"
+    "      \"ManagedElement=$ROOT\"\n"
+    "  Each verb's help (cmpihost VERB --help) has one more.\n";
 
 std::string VerbLine(const VerbInfo& verb) {
   constexpr std::size_t kColumn = 34;
