@@ -87,16 +87,17 @@ std::optional<std::string> MissingFactoriesMessage(const std::string& path,
          "; \"provider:\" must be the name the plug-in gives its provider macro";
 }
 
-// The host's own text for a file it cannot open lacks the reason.
-void RequireReadable(const std::string& path) {
+// Said here rather than by the host, whose texts for a file it cannot open
+// carry a line number of 0 and, for a registration file, no reason.
+void RequireReadable(const std::string& path, const std::string& what) {
   std::error_code ignored;
   if (std::filesystem::is_directory(path, ignored)) {
-    throw UsageError(path + ": cannot read the registration file: it is a directory");
+    throw UsageError(path + ": cannot read the " + what + ": it is a directory");
   }
   errno = 0;
   const std::ifstream file(path);
   if (!file) {
-    throw UsageError(path + ": cannot open the registration file: " +
+    throw UsageError(path + ": cannot open the " + what + ": " +
                      (errno != 0 ? std::strerror(errno) : "unknown reason"));
   }
 }
@@ -112,6 +113,7 @@ void Session::setNameSpace(const std::string& nameSpace) {
 }
 
 void Session::loadMof(const std::string& path) {
+  RequireReadable(path, "MOF file");
   try {
     host_.loadMof(path, nameSpace());
   } catch (const MofError& error) {
@@ -123,7 +125,7 @@ void Session::loadMof(const std::string& path) {
 
 void Session::loadRegistrations(const std::string& path) {
   // The host would read a folder as an empty file and register nothing.
-  RequireReadable(path);
+  RequireReadable(path, "registration file");
   std::vector<std::string> dirs = libraryDirs_;
   const std::filesystem::path folder = std::filesystem::path(path).parent_path();
   dirs.push_back(folder.empty() ? std::string(".") : folder.string());

@@ -193,7 +193,11 @@ TEST(BadInputTest, FilesThatDoNotLoad) {
       {"MOF error", {"--mof", badMof, "ecn"}, "cmpihost: " + badMof + ":2:25: ..."},
       {"missing MOF file",
        {"--mof", scratch.path() + "/none.mof", "ecn"},
-       "cmpihost: " + scratch.path() + "/none.mof:0:0: ..."},
+       "cmpihost: " + scratch.path() +
+           "/none.mof: cannot open the MOF file: No such file or directory\n"},
+      {"MOF file that is a folder",
+       {"--mof", scratch.path(), "ecn"},
+       "cmpihost: " + scratch.path() + ": cannot read the MOF file: it is a directory\n"},
       {"missing provider library",
        WithMof({"--lib-dir", ProviderDir(), "--providers", missingLibrary, "ecn"}),
        "cmpihost: " + missingLibrary + ":1: libgone.so of provider Gone is not in " +
