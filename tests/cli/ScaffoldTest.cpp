@@ -40,6 +40,13 @@ TEST(ScaffoldTest, WritesTheProjectAndSaysHowToBuildIt) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir),
                           std::filesystem::directory_iterator()),
             static_cast<long>(std::size(kFiles)));
+
+  const std::string empty = scratch.path() + "/empty";
+  std::filesystem::create_directory(empty);
+  const CommandResult intoEmpty = RunCmpihost({"new", "Acme2", empty});
+  EXPECT_EQ(intoEmpty.exitCode, 0) << intoEmpty.err;
+  EXPECT_NE(diagcore_test::ReadFile(empty + "/acme2diag.reg").find("provider: Acme2Diag\n"),
+            std::string::npos);
 }
 
 TEST(ScaffoldTest, RefusesBadPrefixesAndFoldersItWouldOverwrite) {
