@@ -88,13 +88,10 @@ TEST(ExampleBadInputTest, DeploymentMistakes) {
            ", " + deployDir + "\n"},
       {"provider name the library has no factory for",
        WithMof({"--lib-dir", ExampleLibDir(), "--providers", wrongName, "ecn"}), 2,
-       "cmpihost: provider FileSystemDiagnostics, Instance MI: library " + ExampleLibDir() +
-           "/libfilesystemdiag.so exports neither _Generic_Create_InstanceMI nor "
-           "FileSystemDiagnostics_Create_InstanceMI; provider FileSystemDiagnostics, Method MI: "
-           "library " +
-           ExampleLibDir() +
-           "/libfilesystemdiag.so exports neither _Generic_Create_MethodMI nor "
-           "FileSystemDiagnostics_Create_MethodMI\n"},
+       "cmpihost: " + wrongName + ":2: provider FileSystemDiagnostics: " + ExampleLibDir() +
+           "/libfilesystemdiag.so exports no FileSystemDiagnostics_Create_<Kind>MI nor "
+           "_Generic_Create_<Kind>MI for Instance, Method; \"provider:\" must be the name the "
+           "plug-in gives its provider macro\n"},
       {"the example's MOF without the DMTF schema",
        {CmpihostBinary(), "--mof", ExampleMof(), "ecn"},
        2,
