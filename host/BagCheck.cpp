@@ -6,6 +6,8 @@
 #include <limits>
 #include <optional>
 
+#include "BagReading.h"
+#include "HostImpl.h"
 #include "broker/PathText.h"
 #include "repository/ClassRepository.h"
 
@@ -157,6 +159,20 @@ std::optional<std::string> ReasonForValue(const std::string& text, const TypeDec
 }
 
 }  // namespace
+
+std::optional<std::string> WhyNotRead(const std::string& text, CMPIType declared) {
+  const CMPIType element = declared & static_cast<CMPIType>(~CMPI_ARRAY);
+  for (int each = static_cast<int>(CimType::kBoolean);
+       each <= static_cast<int>(CimType::kReference); ++each) {
+    TypeDecl type;
+    type.type = static_cast<CimType>(each);
+    if (CmpiTypeOf(type) == element) {
+      type.isArray = (declared & CMPI_ARRAY) != 0;
+      return ReasonForValue(text, type);
+    }
+  }
+  return std::nullopt;
+}
 
 std::string DroppedProperty::text() const {
   return className + "." + property + ": " + reason;
