@@ -6,6 +6,7 @@
 
 #include "HostImpl.h"
 #include "broker/Broker.h"
+#include "broker/BuildWatch.h"
 #include "broker/FtBinding.h"
 #include "broker/Objects.h"
 
@@ -45,11 +46,17 @@ CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, 
   Host::Impl* host = HostFor(broker, rc);
   const ObjectPathObject* object = host == nullptr ? nullptr : PathArgument(path, rc);
   if (object == nullptr) {
+    if (host != nullptr && host->log.wanted()) {
+      WatchNewInstance(host->log, false);
+    }
     return nullptr;
   }
   const PathData& where = object->path;
   std::shared_ptr<const ClassShape> shape = host->shapeOf(where.nameSpace, where.className);
   if (!shape) {
+    if (host->log.wanted()) {
+      WatchNewInstance(host->log, false);
+    }
     SetStatus(
         rc, CMPI_RC_ERR_INVALID_CLASS,
         "class " + where.className + " is not declared in namespace '" + where.nameSpace + "'");
@@ -64,7 +71,14 @@ CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, 
     instance.values.push_back(property.initial);
   }
   TakeKeysFromPath(instance, where);
-  return CreateInScope<InstanceObject>(rc, std::move(instance));
+  InstanceObject* made = CreateInScope<InstanceObject>(rc, std::move(instance));
+  if (host->log.wanted()) {
+    const std::uint64_t serial = WatchNewInstance(host->log, made != nullptr);
+    if (made != nullptr) {
+      made->buildSerial = serial;
+    }
+  }
+  return made;
 }
 
 CMPIObjectPath* NewObjectPath(const CMPIBroker* broker, const char* nameSpace,
@@ -373,6 +387,9 @@ CMPIStatus Record(const CMPIBroker* broker, LogRecord::Kind kind, int severity, 
   record.severity = severity;
   record.id = id == nullptr ? "" : id;
   record.text = TextOf(text, string);
+  if (kind == LogRecord::Kind::kLog) {
+    WatchLogMessage(record.severity, record.id, record.text);
+  }
   host->log.add(std::move(record));
   return MakeStatus(CMPI_RC_OK);
 }

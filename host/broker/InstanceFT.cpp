@@ -2,6 +2,7 @@
 // declared type; names the class does not declare are refused.
 #include <algorithm>
 
+#include "broker/BuildWatch.h"
 #include "broker/FtBinding.h"
 #include "broker/Objects.h"
 
@@ -39,6 +40,9 @@ CMPIData InstanceGetProperty(const CMPIInstance* instance, const char* name, CMP
   }
   const auto index = object->data().shape->find(name);
   if (!index) {
+    if (object->buildSerial != 0) {
+      WatchUndeclaredProbe(*object, name);
+    }
     SetStatus(rc, CMPI_RC_ERR_NO_SUCH_PROPERTY, NoSuchProperty(object->data(), name));
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
@@ -135,6 +139,9 @@ CMPIStatus InstanceSetProperty(const CMPIInstance* instance, const char* name,
   }
   if (name == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_PARAMETER, "the property name is null");
+  }
+  if (object->buildSerial != 0) {
+    WatchSet(*object, name, type);
   }
   return SetValue(object->mutableData(), name, value, type);
 }

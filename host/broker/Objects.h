@@ -8,6 +8,7 @@
 #include <cmpidt.h>
 #include <cmpift.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -70,6 +71,8 @@ struct InstanceObject final : HostObject, CMPIInstance {
   InstanceData& mutableData();
   void setData(InstanceData instance);
   std::shared_ptr<const InstanceData> share() const { return data_; }
+  // Non-zero when newInstance made it while the log was read (see BuildWatch.h).
+  std::uint64_t buildSerial = 0;
 
  private:
   std::shared_ptr<InstanceData> data_;

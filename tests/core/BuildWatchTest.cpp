@@ -1,0 +1,111 @@
+// The host's log names each bag property the library's builder drops or
+// misreads, as it builds, and stays quiet about everything else.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "CoreHost.h"
+#include "cmpihost/CallScope.h"
+#include "diagcore/CimNames.h"
+#include "diagcore/InstanceBuilder.h"
+#include "support/StdoutCapture.h"
+
+namespace diagcore_test {
+namespace {
+
+class BuildWatchTest : public CoreHostTest {
+ protected:
+  // The host's own records (id "cmpihost") while `bag` is built, as
+  // "severity text".
+  std::vector<std::string> HostLinesOfBuilding(TestBag& bag) {
+    host().clearLog();
+    {
+      const StdoutCapture unhandled;  // char16: the builder says so on standard output
+      cmpihost::CallScope scope(host());
+      EXPECT_NE(builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag), nullptr);
+    }
+    std::vector<std::string> lines;
+    for (const cmpihost::LogRecord& record : host().logRecords()) {
+      if (record.id == "cmpihost") {
+        lines.push_back(std::to_string(record.severity) + " " + record.text);
+      }
+    }
+    return lines;
+  }
+
+  const NQENDRA20::InstanceBuilder builder_{NQENDRA20::cimNameSpace};
+};
+
+TEST_F(BuildWatchTest, EachDroppedOrMisreadPropertyIsOneWarning) {
+  const std::string misread = "3 bag property misread: DCT_AllTypes.";
+  const struct {
+    const char* name;
+    const char* text;
+    std::string line;  // empty: nothing is logged
+  } cases[] = {
+      {"Colour", "red",
+       "3 bag property dropped: DCT_AllTypes.Colour: the class declares no such "
+       "property"},
+      {"Flag", "true",
+       misread + "Flag: 'true' does not read as boolean (the builder reads 1 or 0)"},
+      {"U8", "7",
+       misread + "U8: '7' does not read as uint8 (the builder reads one character, as "
+                 "its code: '7' becomes 55)"},
+      {"U32", "12abc", misread + "U32: '12abc' does not read as uint32"},
+      {"U32", "-1", misread + "U32: '-1' does not read as uint32"},
+      {"S16", "", misread + "S16: '' does not read as sint16"},
+      {"R64", "half", misread + "R64: 'half' does not read as real64"},
+      {"When", "2024-01-01", misread + "When: '2024-01-01' does not read as datetime"},
+      {"Letter", "A", misread + "Letter: 'A' is not built: the builder reads no char16 value"},
+      {"Flag", "1", ""},
+      {"U8", "a", ""},
+      {"U32", "4294967295", ""},
+      {"When", "", ""},
+      {"Text", "anything", ""},
+      {"U16s", "1,x", ""},  // arrays are not traced by the builder: not checked
+  };
+  for (const auto& c : cases) {
+    TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}, {c.name, c.text}});
+    const std::vector<std::string> expected =
+        c.line.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.line};
+    EXPECT_EQ(HostLinesOfBuilding(bag), expected) << c.name << "='" << c.text << "'";
+  }
+}
+
+// The referenced instances are built inside the link's build; their
+// properties, and the link's after them, are still told apart.
+TEST_F(BuildWatchTest, NestedBuildsOfReferencesKeepEachPropertyWithItsInstance) {
+  TestBag link("DCT_Link", {{"Antecedent", ElementText("e1")},
+                            {"Dependent", "DCT_Element.DeviceID="},
+                            {"Note", "n"},
+                            {"Zzz", "z"}});
+  EXPECT_EQ(HostLinesOfBuilding(link),
+            (std::vector<std::string>{
+                "3 bag property misread: DCT_Link.Dependent: 'DCT_Element.DeviceID=' does not "
+                "read as ref",
+                "3 bag property dropped: DCT_Link.Zzz: the class declares no such property"}));
+}
+
+// Only the instance being built counts: a provider asking a built instance
+// for a property its class lacks (a role the client named) is not a bag's
+// fault, even while an instance the builder never closed (its bag was empty)
+// is still open.
+TEST_F(BuildWatchTest, ProbesOfBuiltInstancesAreNotReported) {
+  TestBag empty("DCT_AllTypes");
+  TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}});
+  host().clearLog();
+  cmpihost::CallScope scope(host());
+  ASSERT_NE(builder_.build(scope.broker(), scope.context(), empty.getClassName(), empty), nullptr);
+  CMPIInstance* built = builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
+  ASSERT_NE(built, nullptr);
+  CMPIStatus status{CMPI_RC_OK, nullptr};
+  EXPECT_EQ(built->ft->getProperty(built, "Role", &status).type, CMPI_null);
+  EXPECT_EQ(status.rc, CMPI_RC_ERR_NO_SUCH_PROPERTY);
+  for (const cmpihost::LogRecord& record : host().logRecords()) {
+    EXPECT_NE(record.id, "cmpihost") << record.text;
+  }
+}
+
+}  // namespace
+}  // namespace diagcore_test
