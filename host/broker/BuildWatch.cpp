@@ -40,7 +40,7 @@ Building* Top(const InstanceObject& instance) {
 }
 
 void Warn(LogBook& log, std::string text) {
-  if (!log.wanted()) {
+  if (!log.wanted() || !log.firstTime(text)) {
     return;
   }
   LogRecord record;

@@ -7,6 +7,8 @@
 // type means it was set to 0, false or null. Arrays are not traced, so only
 // scalars are checked for their text.
 //
+// Each line is said once per host, until its log is cleared.
+//
 // Only the instance the builder is working on counts: the newest one made on
 // the thread that no "Exiting" trace has closed yet. Probes of instances
 // that were built already (a registry sorting by EnumOrder, an association

@@ -46,6 +46,15 @@ std::vector<LogRecord> LogBook::records() const {
 void LogBook::clear() {
   std::lock_guard<std::mutex> lock(mutex_);
   records_.clear();
+  seen_.clear();
+}
+
+bool LogBook::firstTime(const std::string& text) {
+  // Past this many, a provider that makes ever new texts is told each time
+  // rather than filling the memory.
+  constexpr std::size_t kMaxSeen = 4096;
+  std::lock_guard<std::mutex> lock(mutex_);
+  return seen_.size() == kMaxSeen || seen_.insert(text).second;
 }
 
 }  // namespace cmpihost

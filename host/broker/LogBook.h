@@ -9,6 +9,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "cmpihost/LogRecord.h"
@@ -26,7 +28,12 @@ class LogBook {
   // drops it before making it (tracing then costs a provider next to nothing).
   bool wanted() const { return wanted_.load(std::memory_order_relaxed); }
   std::vector<LogRecord> records() const;
+  // Also forgets what firstTime has seen.
   void clear();
+  // Whether `text` is new since the start or the last clear: a warning that
+  // every build of the same bag would repeat (and the library builds each
+  // instance twice when it registers it) is said once.
+  bool firstTime(const std::string& text);
 
  private:
   mutable std::mutex mutex_;
@@ -34,6 +41,7 @@ class LogBook {
   std::size_t bound_ = 0;
   std::deque<LogRecord> records_;
   std::shared_ptr<const Sink> sink_;
+  std::unordered_set<std::string> seen_;
   std::atomic<bool> wanted_{false};  // capture on with a bound, or a sink set
 };
 

@@ -16,8 +16,7 @@ namespace {
 
 class BuildWatchTest : public CoreHostTest {
  protected:
-  // The host's own records (id "cmpihost") while `bag` is built, as
-  // "severity text".
+  // HostLines of building `bag` on a cleared log.
   std::vector<std::string> HostLinesOfBuilding(TestBag& bag) {
     host().clearLog();
     {
@@ -25,6 +24,11 @@ class BuildWatchTest : public CoreHostTest {
       cmpihost::CallScope scope(host());
       EXPECT_NE(builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag), nullptr);
     }
+    return HostLines();
+  }
+
+  // The host's own records (id "cmpihost"), as "severity text".
+  std::vector<std::string> HostLines() {
     std::vector<std::string> lines;
     for (const cmpihost::LogRecord& record : host().logRecords()) {
       if (record.id == "cmpihost") {
@@ -85,6 +89,23 @@ TEST_F(BuildWatchTest, NestedBuildsOfReferencesKeepEachPropertyWithItsInstance) 
                 "3 bag property misread: DCT_Link.Dependent: 'DCT_Element.DeviceID=' does not "
                 "read as ref",
                 "3 bag property dropped: DCT_Link.Zzz: the class declares no such property"}));
+}
+
+// The same bag built again (as a registration does) says nothing new; a
+// cleared log hears it again.
+TEST_F(BuildWatchTest, EachLineIsSaidOnceUntilTheLogIsCleared) {
+  TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}, {"Flag", "true"}});
+  const std::vector<std::string> once = {
+      "3 bag property misread: DCT_AllTypes.Flag: 'true' does not read as boolean (the builder "
+      "reads 1 or 0)"};
+  host().clearLog();
+  {
+    cmpihost::CallScope scope(host());
+    builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
+    builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
+  }
+  EXPECT_EQ(HostLines(), once);
+  EXPECT_EQ(HostLinesOfBuilding(bag), once);
 }
 
 // Only the instance being built counts: a provider asking a built instance

@@ -130,6 +130,9 @@ class Host {
   // While capture is on, logMessage and trace calls are recorded in order,
   // keeping at most `bound` records (the oldest are dropped first).
   void captureLog(bool on, std::size_t bound = 100000);
+  // The host adds records of its own, with id "cmpihost": idle unloads, and
+  // a warning for each property of a bag that libdiagcore's builder drops or
+  // misreads while a provider builds (said once, until the log is cleared).
   std::vector<LogRecord> logRecords() const;
   void clearLog();
   // Called for every record as it arrives (the CLI's --trace), capture or not.
