@@ -55,5 +55,26 @@ TEST(TestPluginCommandTest, ASessionOfServicesAvailabilityRunsAndRecords) {
   ExpectGolden(MaskedDates(result.out), "testplugin-session.txt");
 }
 
+// The library's default bags, as the test plug-in keeps them, told in the
+// trace at the first request (the plug-in registers them then), each once.
+TEST(TestPluginCommandTest, TraceWarningsNameWhatTheBuilderDroppedOrMisread) {
+  const ScratchDir scratch;
+  const std::string script = scratch.write("bags.cmpihost", "ein DTP_DiagService\n");
+  const ProgramResult result = RunOnTestPlugin({"--trace=warning", "run", script});
+  EXPECT_EQ(result.exitCode, 0);
+  const std::string misread = "[3 cmpihost] bag property misread: DTP_DiagSettingData.";
+  EXPECT_EQ(
+      result.err,
+      "[3 cmpihost] bag property misread: DTP_DiagService.TimeOfLastStateChange: '0' does "
+      "not read as datetime\n" +
+          misread + "HaltOnError: 'true' does not read as boolean (the builder reads 1 or 0)\n" +
+          misread +
+          "PercentOfTestCoverage: '45' does not read as uint8 (the builder reads one "
+          "character, as its code: '7' becomes 55)\n" +
+          misread + "QuickMode: 'false' does not read as boolean (the builder reads 1 or 0)\n" +
+          "[3 cmpihost] bag property dropped: DTP_DiagSettingData.SettingID: the class "
+          "declares no such property\n");
+}
+
 }  // namespace
 }  // namespace e2e
