@@ -16,12 +16,12 @@ namespace {
 
 class BuildWatchTest : public CoreHostTest {
  protected:
-  // HostLines of building `bag` on a cleared log.
+  // HostLines of building `bag` twice, as a registration does, on a cleared log.
   std::vector<std::string> HostLinesOfBuilding(TestBag& bag) {
     host().clearLog();
-    {
-      const StdoutCapture unhandled;  // char16: the builder says so on standard output
-      cmpihost::CallScope scope(host());
+    const StdoutCapture unhandled;  // char16: the builder says so on standard output
+    const cmpihost::CallScope scope(host());
+    for (int time = 0; time < 2; ++time) {
       EXPECT_NE(builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag), nullptr);
     }
     return HostLines();
@@ -41,33 +41,33 @@ class BuildWatchTest : public CoreHostTest {
   const NQENDRA20::InstanceBuilder builder_{NQENDRA20::cimNameSpace};
 };
 
+// One warning for each property however often it is built; the last case
+// repeats the first, as a cleared log hears everything again.
 TEST_F(BuildWatchTest, EachDroppedOrMisreadPropertyIsOneWarning) {
+  const std::string dropped =
+      "3 bag property dropped: DCT_AllTypes.Colour: the class declares "
+      "no such property";
   const std::string misread = "3 bag property misread: DCT_AllTypes.";
   const struct {
     const char* name;
     const char* text;
     std::string line;  // empty: nothing is logged
   } cases[] = {
-      {"Colour", "red",
-       "3 bag property dropped: DCT_AllTypes.Colour: the class declares no such "
-       "property"},
+      {"Colour", "red", dropped},
       {"Flag", "true",
        misread + "Flag: 'true' does not read as boolean (the builder reads 1 or 0)"},
       {"U8", "7",
-       misread + "U8: '7' does not read as uint8 (the builder reads one character, as "
-                 "its code: '7' becomes 55)"},
+       misread + "U8: '7' does not read as uint8 (the builder reads one character, "
+                 "as its code: '7' becomes 55)"},
       {"U32", "12abc", misread + "U32: '12abc' does not read as uint32"},
-      {"U32", "-1", misread + "U32: '-1' does not read as uint32"},
-      {"S16", "", misread + "S16: '' does not read as sint16"},
       {"R64", "half", misread + "R64: 'half' does not read as real64"},
       {"When", "2024-01-01", misread + "When: '2024-01-01' does not read as datetime"},
       {"Letter", "A", misread + "Letter: 'A' is not built: the builder reads no char16 value"},
       {"Flag", "1", ""},
       {"U8", "a", ""},
-      {"U32", "4294967295", ""},
       {"When", "", ""},
-      {"Text", "anything", ""},
       {"U16s", "1,x", ""},  // arrays are not traced by the builder: not checked
+      {"Colour", "red", dropped},
   };
   for (const auto& c : cases) {
     TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}, {c.name, c.text}});
@@ -91,41 +91,19 @@ TEST_F(BuildWatchTest, NestedBuildsOfReferencesKeepEachPropertyWithItsInstance) 
                 "3 bag property dropped: DCT_Link.Zzz: the class declares no such property"}));
 }
 
-// The same bag built again (as a registration does) says nothing new; a
-// cleared log hears it again.
-TEST_F(BuildWatchTest, EachLineIsSaidOnceUntilTheLogIsCleared) {
-  TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}, {"Flag", "true"}});
-  const std::vector<std::string> once = {
-      "3 bag property misread: DCT_AllTypes.Flag: 'true' does not read as boolean (the builder "
-      "reads 1 or 0)"};
-  host().clearLog();
-  {
-    cmpihost::CallScope scope(host());
-    builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
-    builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
-  }
-  EXPECT_EQ(HostLines(), once);
-  EXPECT_EQ(HostLinesOfBuilding(bag), once);
-}
-
-// Only the instance being built counts: a provider asking a built instance
-// for a property its class lacks (a role the client named) is not a bag's
-// fault, even while an instance the builder never closed (its bag was empty)
-// is still open.
+// A provider asking a built instance for a property its class lacks (a role
+// the client named) is not told of, even while an instance the builder never
+// closed (its bag was empty) is still open.
 TEST_F(BuildWatchTest, ProbesOfBuiltInstancesAreNotReported) {
   TestBag empty("DCT_AllTypes");
   TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}});
   host().clearLog();
-  cmpihost::CallScope scope(host());
+  const cmpihost::CallScope scope(host());
   ASSERT_NE(builder_.build(scope.broker(), scope.context(), empty.getClassName(), empty), nullptr);
   CMPIInstance* built = builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
   ASSERT_NE(built, nullptr);
-  CMPIStatus status{CMPI_RC_OK, nullptr};
-  EXPECT_EQ(built->ft->getProperty(built, "Role", &status).type, CMPI_null);
-  EXPECT_EQ(status.rc, CMPI_RC_ERR_NO_SUCH_PROPERTY);
-  for (const cmpihost::LogRecord& record : host().logRecords()) {
-    EXPECT_NE(record.id, "cmpihost") << record.text;
-  }
+  EXPECT_EQ(built->ft->getProperty(built, "Role", nullptr).type, CMPI_null);
+  EXPECT_EQ(HostLines(), std::vector<std::string>{});
 }
 
 }  // namespace
