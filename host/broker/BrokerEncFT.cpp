@@ -42,21 +42,28 @@ void TakeKeysFromPath(InstanceData& instance, const PathData& path) {
   }
 }
 
+// What newInstance made (or null), known to the build watch while the log is
+// read: the builder traces "Exiting" after a failed newInstance too.
+InstanceObject* Watched(Host::Impl& host, InstanceObject* made) {
+  if (host.log.wanted()) {
+    const std::uint64_t serial = WatchNewInstance(host.log, made != nullptr);
+    if (made != nullptr) {
+      made->buildSerial = serial;
+    }
+  }
+  return made;
+}
+
 CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, CMPIStatus* rc) {
   Host::Impl* host = HostFor(broker, rc);
   const ObjectPathObject* object = host == nullptr ? nullptr : PathArgument(path, rc);
   if (object == nullptr) {
-    if (host != nullptr && host->log.wanted()) {
-      WatchNewInstance(host->log, false);
-    }
     return nullptr;
   }
   const PathData& where = object->path;
   std::shared_ptr<const ClassShape> shape = host->shapeOf(where.nameSpace, where.className);
   if (!shape) {
-    if (host->log.wanted()) {
-      WatchNewInstance(host->log, false);
-    }
+    Watched(*host, nullptr);
     SetStatus(
         rc, CMPI_RC_ERR_INVALID_CLASS,
         "class " + where.className + " is not declared in namespace '" + where.nameSpace + "'");
@@ -71,14 +78,7 @@ CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, 
     instance.values.push_back(property.initial);
   }
   TakeKeysFromPath(instance, where);
-  InstanceObject* made = CreateInScope<InstanceObject>(rc, std::move(instance));
-  if (host->log.wanted()) {
-    const std::uint64_t serial = WatchNewInstance(host->log, made != nullptr);
-    if (made != nullptr) {
-      made->buildSerial = serial;
-    }
-  }
-  return made;
+  return Watched(*host, CreateInScope<InstanceObject>(rc, std::move(instance)));
 }
 
 CMPIObjectPath* NewObjectPath(const CMPIBroker* broker, const char* nameSpace,

@@ -1,8 +1,9 @@
 #include "broker/BuildWatch.h"
 
-#include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
