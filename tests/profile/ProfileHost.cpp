@@ -120,6 +120,10 @@ cmpihost::Reply ProfileTest::RunService(const std::string& service, const std::s
   return host().invokeMethod(ServicePath(service), "RunDiagnosticService", in, out);
 }
 
+std::vector<cmpihost::InstanceSnapshot> ProfileTest::Records() {
+  return host().enumerateInstances("root/cimv2", diagtestplugin::kRecordClass).instances();
+}
+
 std::vector<std::string> ProfileTest::Enumerate(const std::string& className) {
   std::vector<std::string> summaries;
   for (const cmpihost::InstanceSnapshot& instance :

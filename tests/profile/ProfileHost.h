@@ -43,6 +43,8 @@ class ProfileTest : public DiagHostTest {
                              std::vector<cmpihost::Argument> extra = {},
                              std::vector<cmpihost::Property>* out = nullptr);
 
+  // The records the host enumerates.
+  std::vector<cmpihost::InstanceSnapshot> Records();
   // The summaries of what the host delivers for each request.
   std::vector<std::string> Enumerate(const std::string& className);
   std::vector<std::string> Associators(const std::string& path, const std::string& assocClass);
