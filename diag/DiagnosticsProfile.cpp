@@ -102,7 +102,7 @@ std::string RegisterServiceObjects(const CMPIBroker* broker, const CMPIContext* 
   if (options.recordBound != 0) {
     (*log)["MaxNumberOfRecords"] = std::to_string(options.recordBound);
   }
-  const std::string logPath = batch.Add(broker, context, std::move(log)).pathText;
+  std::string logPath = batch.Add(broker, context, std::move(log)).pathText;
   auto useOfLog = std::make_unique<UseOfLog>(classes.useOfLog);
   (*useOfLog)["Antecedent"] = logPath;
   (*useOfLog)["Dependent"] = servicePath;

@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <limits>
@@ -347,18 +348,16 @@ bool Fits(const Literal& literal, CMPIType type) {
   if (literal.kind != Literal::Kind::kArray) {
     return false;
   }
-  for (const Literal& element : literal.elements) {
-    if (!FitsScalar(element, static_cast<CMPIType>(type & ~CMPI_ARRAY))) {
-      return false;
-    }
-  }
-  return true;
+  const auto elementType = static_cast<CMPIType>(type & ~CMPI_ARRAY);
+  return std::all_of(
+      literal.elements.begin(), literal.elements.end(),
+      [elementType](const Literal& element) { return FitsScalar(element, elementType); });
 }
 
 std::string FromText(const CMPIBroker* broker, const std::string& text, RunSettings& settings) {
   std::string className;
   std::vector<std::pair<std::string, Literal>> properties;
-  const std::string malformed = MofInstanceText(text).read(className, properties);
+  std::string malformed = MofInstanceText(text).read(className, properties);
   if (!malformed.empty()) {
     return malformed;
   }

@@ -173,7 +173,7 @@ ProfileRun::Outcome ProfileRun::runForJob(InstanceImpl& element, DiagnosticRecor
 
 ServiceTexts ProfileRun::complete(DiagnosticRecord& record, InstanceImpl& element,
                                   const CimTime& now, unsigned long long run) const {
-  const ServiceTexts texts = ReadServiceTexts(service_);
+  ServiceTexts texts = ReadServiceTexts(service_);
   CompleteRecord(
       record, texts, element["DeviceID"],
       service_.getClassName() + ":" + texts.name + ":" + now.text + ":" + std::to_string(run),
@@ -214,7 +214,7 @@ ProfileRun::Retention ProfileRun::retentionFor(const CimTime& now,
 std::string ProfileRun::addRecord(InstanceRegistry::Batch& batch,
                                   std::unique_ptr<DiagnosticRecord> record,
                                   const std::string& elementText) const {
-  const std::string recordPath = batch.Add(broker_, context_, std::move(record)).pathText;
+  std::string recordPath = batch.Add(broker_, context_, std::move(record)).pathText;
   if (recordPath.empty()) {
     return "";
   }

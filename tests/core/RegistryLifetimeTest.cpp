@@ -56,6 +56,7 @@ class RegistryLifetimeTest : public CoreHostTest {
     std::vector<CMPIInstance*> out;
     Registry().GetCMPIInstances(scope.broker(), "DCT_Element", out);
     std::vector<std::string> ids;
+    ids.reserve(out.size());
     for (const CMPIInstance* instance : out) {
       ids.push_back(scope.snapshot(instance).find("DeviceID")->text);
     }
