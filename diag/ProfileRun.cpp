@@ -147,7 +147,9 @@ CMPIStatus ProfileRun::runDiagnosticService(const CMPIResult* result, CMPIArgs* 
   // The CIMOM copies the reference; the job's own path lives with it.
   CMPIValue jobReference{};
   jobReference.ref = const_cast<CMPIObjectPath*>(added.path);
-  out->ft->addArg(out, "Job", &jobReference, CMPI_ref);
+  if (out != nullptr) {
+    out->ft->addArg(out, "Job", &jobReference, CMPI_ref);
+  }
   InstanceRegistry::Singleton()->Register(broker_, batch, retention.lifetime);
 
   CMPIValue value{};
