@@ -9,6 +9,9 @@
 #include "diagcore/AvailableDiagnosticService.h"
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagService.h"
+#include "diagcore/DiagServiceCapabilitiesData.h"
+#include "diagcore/DiagServiceSettingData.h"
+#include "diagcore/DiagnosticsProfile.h"
 #include "diagcore/InstanceRegistry.h"
 
 namespace bench {
@@ -52,11 +55,39 @@ void RegisterBag(const CMPIBroker* broker, const CMPIContext* context,
   }
 }
 
+// The bag, the registry's for good (it is never removed), or null when it
+// could not be registered.
+template <typename Bag>
+Bag* Registered(const CMPIBroker* broker, const CMPIContext* context, std::unique_ptr<Bag> bag) {
+  NQENDRA20::InstanceRegistry::Singleton()->RegisterInstance(broker, context, bag.get());
+  return bag->getObjectPath().empty() ? nullptr : bag.release();
+}
+
+// Kept for good by its persistence, so that only the bound removes records.
+void StartProfileService(const CMPIBroker* broker, const CMPIContext* context) {
+  auto* service = Registered(
+      broker, context,
+      std::make_unique<IdleService>("BENCH_ProfileService", "BENCH_ProfileRecord", kServiceName));
+  auto setting = std::make_unique<NQENDRA20::DiagServiceSettingData>("BENCH_ProfileSetting");
+  (*setting)["InstanceID"] = "BENCH:Setting";
+  (*setting)["ResultPersistence"] = "4294967295";
+  auto capabilities =
+      std::make_unique<NQENDRA20::DiagServiceCapabilitiesData>("BENCH_ProfileCapabilities");
+  NQENDRA20::ProfileOptions options;
+  options.classes = NQENDRA20::ProfileClasses::WithPrefix("BPR");
+  options.retention = true;
+  options.recordBound = kProfileBound;
+  NQENDRA20::OfferDiagnosticsProfile(broker, context, service,
+                                     Registered(broker, context, std::move(setting)),
+                                     Registered(broker, context, std::move(capabilities)), options);
+}
+
 void StartBenchPlugin(const CMPIBroker* broker, const CMPIContext* context) {
   RegisterBag(broker, context,
               std::make_unique<IdleService>(kServiceClass, kRunRecordClass, kServiceName));
   RegisterBag(broker, context,
               std::make_unique<IdleService>("BENCH_MemService", "BENCH_MemRecord", kServiceName));
+  StartProfileService(broker, context);
 }
 
 // --- the minimal provider: returns prebuilt instances, nothing else ---
@@ -170,6 +201,14 @@ std::unique_ptr<cmpihost::Host> MakeHost() {
                        "BENCH_RegRecord", "BENCH_DirectRecord", "BENCH_EnumRecord",
                        "BENCH_BigRecord", "BENCH_SmallRecord",  "BENCH_MemService",
                        "BENCH_MemRecord", "BENCH_Available",    "BENCH_AvailableSmall"};
+  const std::vector<std::string> profileAssociations = {
+      "BPR_ElementSettingData", "BPR_ElementCapabilities", "BPR_UseOfLog", "BPR_LogManagesRecord",
+      "BPR_RecordAppliesToElement"};
+  served.classNames.insert(served.classNames.end(),
+                           {"BENCH_ProfileService", "BENCH_ProfileRecord", "BENCH_ProfileSetting",
+                            "BENCH_ProfileCapabilities", "BENCH_Expiring", "BPR_DiagnosticLog"});
+  served.classNames.insert(served.classNames.end(), profileAssociations.begin(),
+                           profileAssociations.end());
   served.instance = true;
   served.method = true;
   served.unloadNever = true;
@@ -177,6 +216,8 @@ std::unique_ptr<cmpihost::Host> MakeHost() {
   cmpihost::ProviderRegistration associations;
   associations.providerName = "BenchPlugin";
   associations.classNames = {"BENCH_Available", "BENCH_AvailableSmall"};
+  associations.classNames.insert(associations.classNames.end(), profileAssociations.begin(),
+                                 profileAssociations.end());
   associations.association = true;
   associations.unloadNever = true;
   host->registerProvider(associations, plugin);
@@ -252,9 +293,13 @@ void RegisterAssociations(const std::string& className, std::size_t count) {
 
 // Keys in the classes' declaration order, as the registered instances give them.
 std::string ServicePath() {
-  return std::string(kNameSpace) + ":" + kServiceClass + ".Name=\"" + kServiceName +
+  return ServicePath(kServiceClass);
+}
+
+std::string ServicePath(const std::string& className) {
+  return std::string(kNameSpace) + ":" + className + ".Name=\"" + kServiceName +
          "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"" + kSystemName +
-         "\",CreationClassName=\"" + kServiceClass + "\"";
+         "\",CreationClassName=\"" + className + "\"";
 }
 
 std::string DevicePath(std::size_t index) {

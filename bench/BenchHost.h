@@ -27,6 +27,10 @@ extern const char* const kBaselineNameSpace;  // "root/baseline": the minimal pr
 extern const char* const kServiceClass;       // "BENCH_DiagService"
 extern const char* const kDeviceClass;        // "BENCH_Device"
 
+// The runs BENCH_ProfileService keeps: it is offered the Diagnostics Profile
+// with retention and this bound.
+inline constexpr unsigned int kProfileBound = 1000;
+
 // The host, created on first use: the project's schema and bench.mof in both
 // namespaces, the bench plug-in (DIAGCORE_PROVIDER) serving every BENCH_
 // class of root/cimv2, and the minimal provider serving BENCH_EnumRecord of
@@ -65,6 +69,8 @@ void RegisterAssociations(const std::string& className, std::size_t count);
 
 // Path texts (namespace root/cimv2, no host) of the bench objects.
 std::string ServicePath();
+// The same for the service of `className` (named like the bench service).
+std::string ServicePath(const std::string& className);
 std::string DevicePath(std::size_t index);
 std::string RecordPath(const std::string& className, std::size_t serial);
 

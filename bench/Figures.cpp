@@ -63,6 +63,10 @@ const std::vector<Figure>& Figures() {
        "Associators per candidate over 100,000 / over 10,000 associations", 1.3, "x"},
       {"BM_MemoryPerRecord", "bytes_per_record",
        "Allocator bytes per registered record (bag, clone, registry, host objects)", 4096, "B"},
+      {"BM_MemoryBoundedRuns", "growth",
+       "Memory after 1,000,000 runs bounded to 1,000 / after the first 1,000", 1.1, "x"},
+      {"BM_RetentionPerRequest", "ratio", "GetInstance while a record can expire / while none can",
+       1.2, "x"},
       {"BM_LoadDmtfSchema", "seconds", "Loading the DMTF CIM schema 2.41 with the MOF reader", 1.0,
        "s"},
   };

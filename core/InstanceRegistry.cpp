@@ -1,13 +1,16 @@
 #include "diagcore/InstanceRegistry.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
+#include <list>
 #include <mutex>
 #include <sstream>
 #include <unordered_map>
 #include <utility>
 
 #include "core/PathIdentity.h"
+#include "core/Reclamation.h"
 #include "core/TextStreams.h"
 #include "core/Trace.h"
 #include "diagcore/CMPIUtil.h"
@@ -55,6 +58,161 @@ IdentityIndex& IdentitiesOf(const Container* container) {
 
 }  // namespace
 
+// One built object and where it is (to be) filed.
+struct InstanceRegistry::Batch::Built {
+  Instance* entry;
+  const CMPIObjectPath* path;
+  std::string classKey;
+  std::string pathText;
+  std::string identity;
+};
+
+namespace {
+
+using Built = InstanceRegistry::Batch::Built;
+using Containers = std::map<std::string, Container*>;
+using BatchId = std::uint64_t;
+
+// Builds `bag` into a clone, traced as registration always traced it; null
+// (traced as a warning) when its class cannot be built. The bag stays the
+// caller's.
+std::unique_ptr<Built> BuildEntry(const CMPIBroker* broker, const CMPIContext* context,
+                                  InstanceImpl* bag) {
+  const InstanceBuilder builder(cimNameSpace);
+  // Built twice on purpose: the clone operation is taken from the first
+  // build's function table and applied to the second build.
+  CMPIInstance* first = builder.build(broker, context, bag->getClassName(), *bag);
+  CMPIInstance* second = builder.build(broker, context, bag->getClassName(), *bag);
+  CMPIStatus status = {CMPI_RC_OK, nullptr};
+  CMPIInstance* clone =
+      first != nullptr && second != nullptr ? first->ft->clone(second, &status) : nullptr;
+  if (clone == nullptr) {
+    Trace(broker, CMPI_SEV_WARNING, "Could not build instance of class " + bag->getClassName());
+    return nullptr;
+  }
+
+  Trace(broker, CMPI_DEV_DEBUG,
+        {"Created instance: ", PointerText(clone), ", hdl = ", PointerText(clone->hdl)});
+
+  const CMPIObjectPath* path = clone->ft->getObjectPath(clone, &status);
+  auto built = std::make_unique<Built>();
+  built->entry = NewRegistryEntry(bag, clone);
+  built->path = path;
+  built->classKey = InstanceRegistry::Singleton()->NormalizeClassName(CMPIUtil::GetClassName(path));
+  built->pathText = CMPIUtil::GetObjectPathString(path);
+  built->identity = KeyIdentity(path);
+  // Written before the entry is published, so that a request served from
+  // another thread never sees the bag without its path text.
+  bag->setObjectPath(built->pathText);
+  return built;
+}
+
+// Under registryMutex.
+void FileEntry(Containers& containers, const Built& built) {
+  auto*& container = containers[built.classKey];
+  if (container == nullptr) {
+    container = NewRegistryContainer();
+  }
+  // A later registration under the same text wins; the earlier entry stays
+  // allocated, as everything once registered does.
+  (*container)[built.pathText] = built.entry;
+  IdentitiesOf(container)[built.identity] = built.entry;
+}
+
+// Under registryMutex. An object that a later registration replaced is no
+// longer filed under its texts, and the replacement stays.
+void UnfileEntry(Containers& containers, const Built& built) {
+  const auto found = containers.find(built.classKey);
+  if (found == containers.end() || found->second == nullptr) {
+    return;
+  }
+  Container& container = *found->second;
+  const auto byText = container.find(built.pathText);
+  if (byText != container.end() && byText->second == built.entry) {
+    container.erase(byText);
+  }
+  IdentityIndex& identities = IdentitiesOf(&container);
+  const auto byIdentity = identities.find(built.identity);
+  if (byIdentity != identities.end() && byIdentity->second == built.entry) {
+    identities.erase(byIdentity);
+  }
+}
+
+// The filed batches whose lifetime can end, guarded by registryMutex.
+struct FiledBatch {
+  std::vector<Built> members;
+  bool expires = false;
+  std::multimap<CMPIUint64, BatchId>::iterator expiry;
+  std::list<BatchId>* ownerBatches = nullptr;
+  std::list<BatchId>::iterator inOwner;
+};
+
+struct Lifetimes {
+  BatchId lastId = 0;
+  std::unordered_map<BatchId, FiledBatch> batches;
+  std::multimap<CMPIUint64, BatchId> byExpiry;
+  std::unordered_map<std::string, std::list<BatchId>> byOwner;
+};
+
+Lifetimes& TheLifetimes() {
+  static auto* const lifetimes = new Lifetimes();
+  return *lifetimes;
+}
+
+// Read without the lock on every request: only while it is not 0 is the
+// broker asked for the time.
+std::atomic<std::size_t> expiringBatches{0};
+
+// What a removal unlinked: the entries to free and the texts to trace.
+struct Unlinked {
+  std::vector<InstanceRegistry::Instance*> entries;
+  std::vector<std::string> pathTexts;
+};
+
+// Under registryMutex.
+void UnlinkBatch(Containers& containers, BatchId id, Unlinked& unlinked) {
+  Lifetimes& lifetimes = TheLifetimes();
+  const auto found = lifetimes.batches.find(id);
+  if (found == lifetimes.batches.end()) {
+    return;
+  }
+  FiledBatch& batch = found->second;
+  for (const Built& member : batch.members) {
+    UnfileEntry(containers, member);
+    unlinked.entries.push_back(member.entry);
+    unlinked.pathTexts.push_back(member.pathText);
+  }
+  if (batch.expires) {
+    lifetimes.byExpiry.erase(batch.expiry);
+    expiringBatches.fetch_sub(1, std::memory_order_relaxed);
+  }
+  if (batch.ownerBatches != nullptr) {
+    batch.ownerBatches->erase(batch.inOwner);
+  }
+  lifetimes.batches.erase(found);
+}
+
+// Traced and handed over outside the lock.
+void Release(const CMPIBroker* broker, Unlinked unlinked) {
+  for (const std::string& pathText : unlinked.pathTexts) {
+    Trace(broker, CMPI_DEV_DEBUG, {"<<<<< Removed ", pathText});
+  }
+  Reclaim(std::move(unlinked.entries));
+}
+
+// The broker's time in microseconds since the epoch, or 0 when it has none.
+CMPIUint64 NowMicros(const CMPIBroker* broker) {
+  CMPIDateTime* now = broker->eft->newDateTime(broker, nullptr);
+  if (now == nullptr) {
+    return 0;
+  }
+  const CMPIUint64 micros = now->ft->getBinaryFormat(now, nullptr);
+  now->ft->release(now);
+  return micros;
+}
+
+}  // namespace
+
 InstanceRegistry::Instance::Instance(InstanceImpl* impl, CMPIInstance* ci) : impl(impl), ci(ci) {}
 
 InstanceRegistry::InstanceRegistry() = default;
@@ -77,42 +235,92 @@ std::string InstanceRegistry::NormalizeClassName(std::string name) {
 
 void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPIContext* context,
                                         InstanceImpl* bag) {
-  const InstanceBuilder builder(cimNameSpace);
-  // Built twice on purpose: the clone operation is taken from the first
-  // build's function table and applied to the second build.
-  CMPIInstance* first = builder.build(broker, context, bag->getClassName(), *bag);
-  CMPIInstance* second = builder.build(broker, context, bag->getClassName(), *bag);
-  CMPIStatus status = {CMPI_RC_OK, nullptr};
-  CMPIInstance* clone =
-      first != nullptr && second != nullptr ? first->ft->clone(second, &status) : nullptr;
-  if (clone == nullptr) {
-    Trace(broker, CMPI_SEV_WARNING, "Could not build instance of class " + bag->getClassName());
+  const std::unique_ptr<Built> built = BuildEntry(broker, context, bag);
+  if (built == nullptr) {
     return;
   }
-
-  Trace(broker, CMPI_DEV_DEBUG,
-        {"Created instance: ", PointerText(clone), ", hdl = ", PointerText(clone->hdl)});
-
-  Instance* entry = NewRegistryEntry(bag, clone);
-  const CMPIObjectPath* path = clone->ft->getObjectPath(clone, &status);
-  const std::string classKey = NormalizeClassName(CMPIUtil::GetClassName(path));
-  const std::string pathText = CMPIUtil::GetObjectPathString(path);
-  const std::string identity = KeyIdentity(path);
-  // Written before the entry is published, so that a request served from
-  // another thread never sees the bag without its path text.
-  bag->setObjectPath(pathText);
   {
     const std::lock_guard<std::mutex> lock(registryMutex);
-    auto*& container = containers[classKey];
-    if (container == nullptr) {
-      container = NewRegistryContainer();
-    }
-    // A later registration under the same text wins; the earlier entry stays
-    // allocated, as everything once registered does.
-    (*container)[pathText] = entry;
-    IdentitiesOf(container)[identity] = entry;
+    FileEntry(containers, *built);
   }
-  Trace(broker, CMPI_DEV_DEBUG, {">>>>> Registered ", pathText});
+  Trace(broker, CMPI_DEV_DEBUG, {">>>>> Registered ", built->pathText});
+}
+
+InstanceRegistry::Batch::~Batch() {
+  for (Built* built : built_) {
+    FreeEntry(built->entry);
+    delete built;
+  }
+}
+
+InstanceRegistry::Batch::Added InstanceRegistry::Batch::Add(const CMPIBroker* broker,
+                                                            const CMPIContext* context,
+                                                            std::unique_ptr<InstanceImpl> bag) {
+  std::unique_ptr<Built> built = BuildEntry(broker, context, bag.get());
+  if (built == nullptr) {
+    return Added{"", nullptr};
+  }
+  static_cast<void>(bag.release());  // the entry's now
+  built_.reserve(built_.size() + 1);
+  built_.push_back(built.release());
+  return Added{built_.back()->pathText, built_.back()->path};
+}
+
+void InstanceRegistry::Register(const CMPIBroker* broker, Batch& batch, const Lifetime& lifetime) {
+  std::vector<std::string> filed;
+  Unlinked evicted;
+  {
+    const std::lock_guard<std::mutex> lock(registryMutex);
+    Lifetimes& lifetimes = TheLifetimes();
+    const BatchId id = ++lifetimes.lastId;
+    FiledBatch& filedBatch = lifetimes.batches[id];
+    filedBatch.members.reserve(batch.built_.size());
+    for (Built* built : batch.built_) {
+      FileEntry(containers, *built);
+      filed.push_back(built->pathText);
+      filedBatch.members.push_back(std::move(*built));
+      delete built;
+    }
+    batch.built_.clear();
+    if (lifetime.expiresAt != Lifetime::kForever) {
+      filedBatch.expires = true;
+      filedBatch.expiry = lifetimes.byExpiry.emplace(lifetime.expiresAt, id);
+      expiringBatches.fetch_add(1, std::memory_order_relaxed);
+    }
+    if (lifetime.bound != 0) {
+      std::list<BatchId>& owned = lifetimes.byOwner[lifetime.owner];
+      filedBatch.inOwner = owned.insert(owned.end(), id);
+      filedBatch.ownerBatches = &owned;
+      while (owned.size() > lifetime.bound) {
+        UnlinkBatch(containers, owned.front(), evicted);
+      }
+    }
+  }
+  for (const std::string& pathText : filed) {
+    Trace(broker, CMPI_DEV_DEBUG, {">>>>> Registered ", pathText});
+  }
+  Release(broker, std::move(evicted));
+}
+
+void InstanceRegistry::RemoveExpired(const CMPIBroker* broker) {
+  if (expiringBatches.load(std::memory_order_relaxed) == 0) {
+    return;
+  }
+  const CMPIUint64 now = NowMicros(broker);
+  Unlinked expired;
+  {
+    const std::lock_guard<std::mutex> lock(registryMutex);
+    Lifetimes& lifetimes = TheLifetimes();
+    while (!lifetimes.byExpiry.empty() && lifetimes.byExpiry.begin()->first <= now) {
+      UnlinkBatch(containers, lifetimes.byExpiry.begin()->second, expired);
+    }
+  }
+  Release(broker, std::move(expired));
+}
+
+std::size_t InstanceRegistry::BatchCount() {
+  const std::lock_guard<std::mutex> lock(registryMutex);
+  return TheLifetimes().batches.size();
 }
 
 InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* broker,

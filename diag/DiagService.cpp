@@ -1,11 +1,13 @@
 #include "diagcore/DiagService.h"
 
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include "core/Trace.h"
+#include "diag/ProfileRun.h"
 #include "diag/RegistryHandOver.h"
+#include "diag/RunSteps.h"
+#include "diag/ServiceProfile.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/DiagUser.h"
 #include "diagcore/InstanceRegistry.h"
@@ -15,33 +17,7 @@ namespace NQENDRA20 {
 namespace {
 
 const char* const kRunDiagnostic = "RunDiagnostic";
-const char* const kManagedElement = "ManagedElement";
 const char* const kNeedsElementReference = "RunDiagnostic needs a ManagedElement reference";
-const char* const kResultFor = "Result for ";
-
-// Runs of one service may come from several CIMOM threads at once, and
-// reading a property the plug-in never set inserts it into the service's bag.
-std::mutex serviceTextsMutex;
-
-CMPIStatus Status(CMPIrc rc) {
-  CMPIStatus status = {rc, nullptr};
-  return status;
-}
-
-// The "ManagedElement" argument, or null when it is missing or is not a
-// reference: a test must never run on an element it cannot name.
-const CMPIObjectPath* ManagedElementOf(const CMPIArgs* in) {
-  if (in == nullptr) {
-    return nullptr;
-  }
-  CMPIStatus status = Status(CMPI_RC_OK);
-  const CMPIData argument = in->ft->getArg(in, kManagedElement, &status);
-  if (status.rc != CMPI_RC_OK || argument.type != CMPI_ref ||
-      (argument.state & CMPI_nullValue) != 0) {
-    return nullptr;
-  }
-  return argument.value.ref;
-}
 
 }  // namespace
 
@@ -79,18 +55,19 @@ void DiagService::init() {
 
 CMPIStatus DiagService::invokeMethod(const CMPIBroker* broker, const CMPIContext* context,
                                      const CMPIResult* result, const CMPIObjectPath* /*path*/,
-                                     std::string methodName, const CMPIArgs* in,
-                                     CMPIArgs* /*out*/) {
+                                     std::string methodName, const CMPIArgs* in, CMPIArgs* out) {
+  if (const std::shared_ptr<const ServiceProfile> profile = ProfileOf(this)) {
+    const ProfileRun run(*this, *profile, broker, context);
+    return run.invoke(result, methodName, in, out);
+  }
   if (methodName != kRunDiagnostic) {
-    return Status(CMPI_RC_ERR_METHOD_NOT_FOUND);
+    return StatusOf(CMPI_RC_ERR_METHOD_NOT_FOUND);
   }
   InstanceRegistry* registry = InstanceRegistry::Singleton();
 
   const CMPIObjectPath* elementPath = ManagedElementOf(in);
   if (elementPath == nullptr) {
-    CMPIStatus invalid = Status(CMPI_RC_ERR_INVALID_PARAMETER);
-    invalid.msg = broker->eft->newString(broker, kNeedsElementReference, nullptr);
-    return invalid;
+    return StatusOf(broker, CMPI_RC_ERR_INVALID_PARAMETER, kNeedsElementReference);
   }
   std::string elementText = CMPIUtil::GetObjectPathString(elementPath);
   Trace(broker, CMPI_DEV_DEBUG, {"^^^^ opString = ", elementText});
@@ -109,28 +86,12 @@ CMPIStatus DiagService::invokeMethod(const CMPIBroker* broker, const CMPIContext
   result->ft->returnDone(result);
 
   const std::string now = CMPIUtil::GetDateTimeString(broker);
-  std::string caption;
-  std::string description;
-  std::string elementName;
-  std::string name;
-  {
-    const std::lock_guard<std::mutex> lock(serviceTextsMutex);
-    caption = (*this)["Caption"];
-    description = (*this)["Description"];
-    elementName = (*this)["ElementName"];
-    name = (*this)["Name"];
-  }
-  DiagnosticRecord& completed = *record;
-  completed["Caption"] = kResultFor + caption;
-  completed["Description"] = kResultFor + description;
-  completed["ElementName"] = kResultFor + elementName;
-  completed["ServiceName"] = name;
-  completed["ManagedElementName"] = element["DeviceID"];
-  completed["InstanceID"] = getClassName() + ":" + name + ":" + now;
-  completed["CreationTimeStamp"] = now;
+  const ServiceTexts texts = ReadServiceTexts(*this);
+  CompleteRecord(*record, texts, element["DeviceID"], getClassName() + ":" + texts.name + ":" + now,
+                 now);
 
   HandToRegistry(registry, broker, context, std::move(record));
-  return Status(CMPI_RC_OK);
+  return StatusOf(CMPI_RC_OK);
 }
 
 }  // namespace NQENDRA20

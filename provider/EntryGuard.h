@@ -9,6 +9,8 @@
 #include <exception>
 #include <string>
 
+#include "core/Reclamation.h"
+
 namespace NQENDRA20 {
 
 // CMPI_RC_ERR_FAILED with the message "<operation> failed: <reason>", made by
@@ -16,11 +18,14 @@ namespace NQENDRA20 {
 CMPIStatus FailedStatus(const CMPIBroker* broker, const char* operation, const std::string& reason);
 
 // Runs `body` and returns its status; an exception escaping it becomes
-// FailedStatus with the exception's text, or "unknown exception".
+// FailedStatus with the exception's text, or "unknown exception". What has
+// expired is removed first, and nothing the body takes from the registry is
+// freed before it returns.
 template <typename Body>
 CMPIStatus GuardEntry(const CMPIBroker* broker, const char* operation, Body&& body) noexcept {
   try {
     try {
+      const RequestScope scope(broker);
       return body();
     } catch (const std::exception& error) {
       return FailedStatus(broker, operation, error.what());

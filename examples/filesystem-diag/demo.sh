@@ -29,7 +29,11 @@ trap 'rm -rf "$scratch"' EXIT INT TERM
 # The key Name itself, not CreationClassName, wherever it stands in the path.
 system=$(sed -n 's/.*[.,]Name="\([^"]*\)".*/\1/p' "$scratch/system" | head -n 1)
 
-awk -v sysname="$system" -v paths="$scratch/file-systems" '
+# FreeSpaceCheck's runs are numbered: one per file system and one on a
+# missing mount point come before section 10's RunDiagnosticService.
+firstjob=$(($(wc -l <"$scratch/file-systems") + 2))
+
+awk -v sysname="$system" -v paths="$scratch/file-systems" -v firstjob="$firstjob" '
   # Every occurrence of the text `token` in `line` replaced by `value`,
   # taken literally (gsub would read "&" and "\" in it).
   function replace(line, token, value,   out, at) {
@@ -42,6 +46,7 @@ awk -v sysname="$system" -v paths="$scratch/file-systems" '
   }
   function fill(line, path, id) {
     line = replace(line, "@SYSTEM_NAME@", sysname)
+    line = replace(line, "@FIRST_JOB@", firstjob)
     # The path goes between single quotes: a quote in it is closed, escaped, reopened.
     line = replace(line, "@FILE_SYSTEM@", replace(path, "\047", "\047\\\047\047"))
     return replace(line, "@DEVICE_ID@", id)

@@ -44,7 +44,9 @@ class DiagService : public InstanceImpl {
   ~DiagService() override;
 
   // Handles "RunDiagnostic" (exact case) only; any other name answers
-  // CMPI_RC_ERR_METHOD_NOT_FOUND. The input argument "ManagedElement" must be
+  // CMPI_RC_ERR_METHOD_NOT_FOUND. (A service offered the Diagnostics Profile
+  // runs as DiagnosticsProfile.h describes, and may answer
+  // "RunDiagnosticService" too.) The input argument "ManagedElement" must be
   // a reference, else CMPI_RC_ERR_INVALID_PARAMETER and nothing runs. The
   // test's result is returned as uint32 data, then returnDone; the record is
   // completed and registered after that, and the status is CMPI_RC_OK. An

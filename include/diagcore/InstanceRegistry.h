@@ -3,8 +3,10 @@
 // Each registered bag is built into a CMPIInstance, and a clone of it is kept
 // for the life of the process, filed under the upper-cased class name and the
 // object path text. Every get, enumeration and method call is answered from
-// here. Nothing is ever removed; a later registration under the same class and
-// path text replaces the earlier one. A lookup by path finds the object
+// here. A later registration under the same class and path text replaces the
+// earlier one. Objects registered with RegisterInstance are never removed;
+// only a Batch filed with a Lifetime that ends goes away again (a plug-in
+// opts into that; see DiagnosticsProfile.h). A lookup by path finds the object
 // whatever the order of the path's keys and the letter case of their names
 // (CIM keys are an unordered set); key values, host and namespace are
 // compared as before: values exactly, host and namespace not at all.
@@ -19,6 +21,7 @@
 #include <cmpift.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -73,6 +76,63 @@ class InstanceRegistry {
   CMPIStatus InvokeMethod(const CMPIBroker* broker, const CMPIContext* context,
                           const CMPIResult* result, const CMPIObjectPath* path,
                           std::string methodName, const CMPIArgs* in, CMPIArgs* out);
+
+  // When the objects of one Batch go away again, all at once.
+  struct Lifetime {
+    static constexpr CMPIUint64 kForever = ~CMPIUint64{0};
+
+    // The broker's binary date-time (microseconds since the epoch) from which
+    // the objects are expired; kForever: never.
+    CMPIUint64 expiresAt = kForever;
+    // Whose batches `bound` counts (e.g. a service's object path text).
+    std::string owner;
+    // How many batches of `owner` are kept at most; filing one more removes
+    // the oldest first. 0: no bound.
+    unsigned int bound = 0;
+  };
+
+  // Objects to be filed at once (a run's record with its associations): a
+  // request sees all of them or none, and they are removed together. The
+  // bags are built as they are added, so that later bags can refer to the
+  // object paths of earlier ones. What is never filed is freed with it.
+  class Batch {
+   public:
+    struct Added {
+      std::string pathText;        // "" when the bag could not be built
+      const CMPIObjectPath* path;  // the built instance's, with its namespace
+    };
+
+    Batch() = default;
+    ~Batch();
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+    // Takes `bag` and builds it as RegisterInstance does. A bag whose class
+    // cannot be built is freed, traced as a warning, and left out.
+    Added Add(const CMPIBroker* broker, const CMPIContext* context,
+              std::unique_ptr<InstanceImpl> bag);
+
+    struct Built;
+
+   private:
+    friend class InstanceRegistry;
+    std::vector<Built*> built_;
+  };
+
+  // Files every object of `batch` (emptying it) and traces each as
+  // RegisterInstance does. With an owner's bound reached, that owner's
+  // oldest batches are removed first.
+  void Register(const CMPIBroker* broker, Batch& batch, const Lifetime& lifetime);
+
+  // Removes every filed batch whose Lifetime has ended by the broker's
+  // current time, with all its objects, and frees their bags and clones as
+  // soon as no request that began before the removal still runs. Asks the
+  // broker for the time only while some batch can expire. The library's
+  // entry points call it before serving any request.
+  void RemoveExpired(const CMPIBroker* broker);
+
+  // How many filed batches are kept (for tests and benchmarks).
+  std::size_t BatchCount();
 
  private:
   InstanceRegistry();

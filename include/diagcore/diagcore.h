@@ -14,6 +14,7 @@
 #include "diagcore/DiagServiceSettingData.h"
 #include "diagcore/DiagUser.h"
 #include "diagcore/DiagnosticRecord.h"
+#include "diagcore/DiagnosticsProfile.h"
 #include "diagcore/InstanceBuilder.h"
 #include "diagcore/InstanceImpl.h"
 #include "diagcore/InstanceRegistry.h"

@@ -35,7 +35,7 @@ TEST(DemoTest, ShowsEverySectionAndRunsEachServiceOnEachFileSystem) {
   EXPECT_EQ(demo.err, "");
   EXPECT_NE(demo.out.find(" The file-system diagnostic on " + HostName() + "\n"),
             std::string::npos);
-  for (int section = 1; section <= 9; ++section) {
+  for (int section = 1; section <= 11; ++section) {
     EXPECT_EQ(Count(demo.out, "\n=== " + std::to_string(section) + ". "), 1U)
         << "section " << section;
   }
@@ -44,8 +44,9 @@ TEST(DemoTest, ShowsEverySectionAndRunsEachServiceOnEachFileSystem) {
 
   EXPECT_EQ(Count(demo.out, "\n--- FreeSpaceCheck on "), fileSystems + 1);
   EXPECT_EQ(Count(demo.out, "\n--- WriteReadCheck on "), fileSystems + 1);
-  EXPECT_EQ(Count(demo.out, "ReturnValue = "), 2 * fileSystems + 2);
-  EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticRecord {"), 2 * fileSystems + 2);
+  EXPECT_EQ(Count(demo.out, "ReturnValue = "), 2 * fileSystems + 4);
+  // The records printed at the end, then the record of the walk's job.
+  EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticRecord {"), 2 * fileSystems + 3);
   EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticService {"), 2U);
   EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticSettingData {"), 2U);
   EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticCapabilities {"), 2U);
@@ -59,6 +60,19 @@ TEST(DemoTest, ShowsEverySectionAndRunsEachServiceOnEachFileSystem) {
   EXPECT_EQ(Count(demo.out, "    ManagedElementName = \"/nonexistent/fsd-demo\";"), 2U);
   EXPECT_EQ(Count(demo.out, "\n--- WriteReadCheck on /nonexistent/fsd-demo\nReturnValue = 4\n"),
             1U);
+
+  // The walk to a completed job and its record, which expires in an hour;
+  // the job of a run that asked for no persistence is gone before the next
+  // request, with its record.
+  const std::string job = "FSD_ConcreteJob.InstanceID=\"FSD_ConcreteJob:FreeSpaceCheck:";
+  const std::string kept = job + std::to_string(fileSystems + 2) + "\"";
+  const std::string gone = job + std::to_string(fileSystems + 3) + "\"";
+  const std::string expired = demo.out.substr(demo.out.find("\n=== 11. "));
+  EXPECT_EQ(Count(demo.out, "instance of FSD_ConcreteJob {"), 1U);
+  EXPECT_EQ(Count(demo.out, "    JobState = 7;"), 1U);
+  EXPECT_EQ(Count(demo.out, "    ExpirationDate = \""), 1U);
+  EXPECT_EQ(Count(expired, "\n//localhost/root/cimv2:" + kept), 2U);
+  EXPECT_EQ(Count(expired, "\n//localhost/root/cimv2:" + gone), 0U);
 }
 
 TEST(DemoTest, RefusesToRunWithoutItsArgumentsOrWithAPlugInThatCannotLoad) {

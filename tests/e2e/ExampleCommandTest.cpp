@@ -214,7 +214,9 @@ TEST(ExampleCommandTest, KeysInAnyOrderReachTheirObjectsAndAnIdleUnloadIsRefused
   const ProgramResult result =
       RunScript("gi '" + reversedService + "'\n" + RunLine("FreeSpaceCheck", reversedRoot) +
                 "cm '" + reversedService + "' RunDiagnostic 'ManagedElement=" + reversedRoot +
-                "'\nain '" + reversedRoot + "'\nunload-idle\nein FSD_FileSystemDiagnosticRecord\n");
+                "'\nain '" + reversedRoot +
+                "' --assoc-class CIM_AvailableDiagnosticService\nunload-idle\nein "
+                "FSD_FileSystemDiagnosticRecord\n");
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const std::vector<std::string> lines = Lines(result.out);
   EXPECT_EQ(ValuesOf(result.out, "Name"), std::vector<std::string>{"\"FreeSpaceCheck\""});

@@ -49,7 +49,8 @@ std::string Load(ClassRepository& repository, const std::string& path) {
 
 // The classes our schema must declare: those the library serves, their
 // superclasses, and every class their references and embedded instances name.
-constexpr std::array<const char*, 29> kOurClasses{
+constexpr std::array<const char*, 37> kOurClasses{
+    "CIM_AffectedJobElement",
     "CIM_AvailableDiagnosticService",
     "CIM_Capabilities",
     "CIM_Collection",
@@ -57,22 +58,29 @@ constexpr std::array<const char*, 29> kOurClasses{
     "CIM_ComputerSystem",
     "CIM_ConcreteJob",
     "CIM_Dependency",
+    "CIM_DiagnosticLog",
     "CIM_DiagnosticRecord",
     "CIM_DiagnosticService",
     "CIM_DiagnosticServiceCapabilities",
     "CIM_DiagnosticServiceRecord",
     "CIM_DiagnosticSetting",
     "CIM_DiagnosticSettingData",
+    "CIM_ElementCapabilities",
+    "CIM_ElementSettingData",
     "CIM_EnabledLogicalElement",
     "CIM_Error",
     "CIM_Job",
     "CIM_JobSettingData",
     "CIM_Log",
+    "CIM_LogManagesRecord",
     "CIM_LogicalDevice",
     "CIM_LogicalElement",
     "CIM_ManagedElement",
     "CIM_ManagedSystemElement",
+    "CIM_OwningJobElement",
+    "CIM_RecordAppliesToElement",
     "CIM_RecordForLog",
+    "CIM_RecordLog",
     "CIM_Service",
     "CIM_ServiceAvailableToElement",
     "CIM_Setting",
@@ -81,10 +89,10 @@ constexpr std::array<const char*, 29> kOurClasses{
     "CIM_UseOfLog",
 };
 
-constexpr std::array<const char*, 13> kOurQualifiers{
-    "Association",    "Indication", "Abstract", "Exception", "EmbeddedInstance",
-    "EmbeddedObject", "In",         "Key",      "Out",       "Override",
-    "Propagated",     "Required",   "Write",
+constexpr std::array<const char*, 15> kOurQualifiers{
+    "Association", "Aggregation",      "Indication",     "Abstract", "Exception",
+    "Aggregate",   "EmbeddedInstance", "EmbeddedObject", "In",       "Key",
+    "Out",         "Override",         "Propagated",     "Required", "Write",
 };
 
 // Names every class that `type` or an EmbeddedInstance qualifier refers to

@@ -12,6 +12,9 @@ inline constexpr const char* kRecordClass = "FSD_FileSystemDiagnosticRecord";
 inline constexpr const char* kSettingDataClass = "FSD_FileSystemDiagnosticSettingData";
 inline constexpr const char* kCapabilitiesClass = "FSD_FileSystemDiagnosticCapabilities";
 inline constexpr const char* kAvailabilityClass = "FSD_AvailableDiagnosticService";
+// The prefix of the Diagnostics Profile's classes: FSD_DiagnosticLog,
+// FSD_ConcreteJob, FSD_ElementSettingData, ...
+inline constexpr const char* kClassPrefix = "FSD";
 
 }  // namespace filesystemdiag
 

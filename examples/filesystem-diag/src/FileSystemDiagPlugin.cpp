@@ -17,6 +17,7 @@
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagServiceCapabilitiesData.h"
 #include "diagcore/DiagServiceSettingData.h"
+#include "diagcore/DiagnosticsProfile.h"
 #include "diagcore/InstanceRegistry.h"
 
 namespace filesystemdiag {
@@ -24,6 +25,20 @@ namespace {
 
 constexpr unsigned int kEnumOrdersPerService = 1000;
 constexpr unsigned int kEnumOrderStep = 1;
+// A monitor that checks every minute would otherwise fill the provider's
+// memory within months; a thousand runs is well over half a day of them.
+constexpr unsigned int kRecordsPerService = 1000;
+
+// Navigation for profile clients, records kept by their persistence and the
+// bound, and RunDiagnosticService with a job.
+NQENDRA20::ProfileOptions ProfileOptions() {
+  NQENDRA20::ProfileOptions options;
+  options.classes = NQENDRA20::ProfileClasses::WithPrefix(kClassPrefix);
+  options.retention = true;
+  options.recordBound = kRecordsPerService;
+  options.runDiagnosticService = true;
+  return options;
+}
 
 void Log(const CMPIBroker* broker, int severity, const std::string& text) {
   broker->eft->logMessage(broker, severity, "filesystemdiag", text.c_str(), nullptr);
@@ -55,8 +70,9 @@ std::unique_ptr<NQENDRA20::DiagServiceSettingData> SettingFor(const std::string&
   bag["InstanceID"] = "FSD:Setting:" + serviceName;
   bag["ElementName"] = "Default setting of " + serviceName;
   // What a run does: one pass over the file system, stopping at the first
-  // fault, changing nothing that was there; records are kept until the
-  // provider is unloaded (0xFFFFFFFF: for ever).
+  // fault, changing nothing that was there; records are kept for good
+  // (0xFFFFFFFF), up to the bound per service, unless a RunDiagnosticService
+  // call asks for less.
   bag["HaltOnError"] = "1";  // booleans are built from "1" and "0"
   bag["QuickMode"] = "0";
   bag["NonDestructive"] = "1";
@@ -147,11 +163,13 @@ void StartFileSystemDiag(const CMPIBroker* broker, const CMPIContext* context) {
     if (service == nullptr) {
       continue;
     }
-    Register(broker, context, SettingFor(name));
-    Register(broker, context, CapabilitiesFor(name));
+    NQENDRA20::InstanceImpl* setting = Register(broker, context, SettingFor(name));
+    NQENDRA20::InstanceImpl* capabilities = Register(broker, context, CapabilitiesFor(name));
     availability.CreateAvailableServices(broker, context, service, kFileSystemClass,
                                          kAvailabilityClass, firstEnumOrder, kEnumOrderStep);
     firstEnumOrder += kEnumOrdersPerService;
+    NQENDRA20::OfferDiagnosticsProfile(broker, context, service, setting, capabilities,
+                                       ProfileOptions());
   }
 }
 

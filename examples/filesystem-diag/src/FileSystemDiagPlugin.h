@@ -41,7 +41,8 @@ void StartFileSystemElements(const CMPIBroker* broker, const CMPIContext* contex
 // FileSystemDiag's start-up: registers each service with its setting data
 // ("FSD:Setting:<Name>") and capabilities ("FSD:Capabilities:<Name>"), and
 // its availability to every FSD_MountedFileSystem, numbered from
-// 1000 * (position + 1) by 1.
+// 1000 * (position + 1) by 1; then offers it the Diagnostics Profile
+// (classes FSD_*, retention, at most 1000 runs kept, RunDiagnosticService).
 void StartFileSystemDiag(const CMPIBroker* broker, const CMPIContext* context);
 
 }  // namespace filesystemdiag
