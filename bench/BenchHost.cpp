@@ -250,16 +250,18 @@ void RegisterAssociations(const std::string& className, std::size_t count) {
   }
 }
 
+// Keys in the classes' declaration order, as the registered instances give them.
 std::string ServicePath() {
-  return std::string(kNameSpace) + ":" + kServiceClass + ".CreationClassName=\"" + kServiceClass +
-         "\",Name=\"" + kServiceName +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"" + kSystemName + "\"";
+  return std::string(kNameSpace) + ":" + kServiceClass + ".Name=\"" + kServiceName +
+         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"" + kSystemName +
+         "\",CreationClassName=\"" + kServiceClass + "\"";
 }
 
 std::string DevicePath(std::size_t index) {
-  return std::string(kNameSpace) + ":" + kDeviceClass + ".CreationClassName=\"" + kDeviceClass +
-         "\",DeviceID=\"dev" + std::to_string(index) +
-         "\",SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"" + kSystemName + "\"";
+  return std::string(kNameSpace) + ":" + kDeviceClass +
+         ".SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"" + kSystemName +
+         "\",CreationClassName=\"" + kDeviceClass + "\",DeviceID=\"dev" + std::to_string(index) +
+         "\"";
 }
 
 std::string RecordPath(const std::string& className, std::size_t serial) {

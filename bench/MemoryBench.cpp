@@ -28,8 +28,8 @@ std::size_t RunOnce(const std::string& service, const std::vector<cmpihost::Argu
 
 void BM_MemoryPerRecord(benchmark::State& state) {
   const std::string service =
-      "root/cimv2:BENCH_MemService.CreationClassName=\"BENCH_MemService\",Name=\"Bench\","
-      "SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"bench.example\"";
+      "root/cimv2:BENCH_MemService.Name=\"Bench\",SystemCreationClassName=\"TORSK_ComputerSystem\","
+      "SystemName=\"bench.example\",CreationClassName=\"BENCH_MemService\"";
   const std::vector<cmpihost::Argument> arguments = {
       cmpihost::Argument{"ManagedElement", DevicePath(0), std::nullopt}};
   std::size_t failures = RunOnce(service, arguments);  // caches and the class's container

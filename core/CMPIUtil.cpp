@@ -99,12 +99,11 @@ std::string CMPIUtil::GetSystemName(const CMPIBroker* broker, const CMPIContext*
   if (systems == nullptr) {
     return "";
   }
-  // An empty enumeration answers getNext with a failing status or no
-  // instance; that counts as "no system" rather than reading garbage.
-  status = {CMPI_RC_OK, nullptr};
+  // The item is taken as an instance whatever its type and state say:
+  // OpenPegasus marks good instances CMPI_nullValue. An empty enumeration
+  // hands out no instance at all, which counts as "no system".
   const CMPIData first = systems->ft->getNext(systems, &status);
-  if (status.rc != CMPI_RC_OK || first.type != CMPI_instance ||
-      (first.state & CMPI_nullValue) != 0 || first.value.inst == nullptr) {
+  if (first.value.inst == nullptr) {
     return "";
   }
   const CMPIInstance* system = first.value.inst;

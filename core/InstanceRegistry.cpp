@@ -4,10 +4,10 @@
 #include <cctype>
 #include <mutex>
 #include <sstream>
-#include <string_view>
 #include <unordered_map>
 #include <utility>
 
+#include "core/PathIdentity.h"
 #include "core/TextStreams.h"
 #include "core/Trace.h"
 #include "diagcore/CMPIUtil.h"
@@ -42,59 +42,15 @@ using Slot = InstanceRegistry::Instance*;
   return new InstanceRegistry::Instance(bag, clone);
 }
 
-// A hash index beside each class's container, by path text: among a million
-// records a lookup in the ordered map alone compares texts at some twenty
-// levels of a tree spread over the heap. Its keys view the container's own
-// key strings; each value points at the container's slot and holds a copy of
-// what the slot holds, so that a lookup does not read the map node either.
-// Map nodes never move and nothing is ever removed, so both stay valid for
-// good. Guarded by registryMutex, and kept for the life of the process like
-// the containers.
-struct Indexed {
-  Slot* slot;
-  Slot entry;
-  CMPIInstance* ci;  // the entry's, or null
-};
-using PathIndex = std::unordered_map<std::string_view, Indexed>;
+// Beside each class's container, its entries by key identity: requests name
+// an object with its keys in any order and their names in any case (SFCB
+// hands the provider the client's order). Filled at registration, guarded by
+// registryMutex, and kept for the life of the process like the containers.
+using IdentityIndex = std::unordered_map<std::string, Slot>;
 
-PathIndex& IndexOf(const Container* container) {
-  static auto* const indexes = new std::unordered_map<const Container*, PathIndex>();
+IdentityIndex& IdentitiesOf(const Container* container) {
+  static auto* const indexes = new std::unordered_map<const Container*, IdentityIndex>();
   return (*indexes)[container];
-}
-
-// The index's record of the slot filed under `pathText`; the slot is
-// inserted empty when there is none (as the container's operator[] does),
-// and is known to the index from then on.
-Indexed& IndexedOf(Container& container, const std::string& pathText) {
-  PathIndex& index = IndexOf(&container);
-  const auto found = index.find(pathText);
-  if (found != index.end()) {
-    return found->second;
-  }
-  const auto slot = container.try_emplace(pathText, nullptr).first;
-  const Slot entry = slot->second;
-  return index
-      .emplace(std::string_view(slot->first),
-               Indexed{&slot->second, entry, entry != nullptr ? entry->ci : nullptr})
-      .first->second;
-}
-
-// Files `entry` under `pathText`, replacing what was filed there.
-void File(Container& container, const std::string& pathText, Slot entry) {
-  Indexed& indexed = IndexedOf(container, pathText);
-  *indexed.slot = entry;
-  indexed.entry = entry;
-  indexed.ci = entry->ci;
-}
-
-// Asks the memory for the entry and its instance at once, before the caller
-// reads the one to find the other: among a million records both are far.
-InstanceRegistry::Instance* Fetched(const Indexed& indexed) {
-  if (indexed.entry != nullptr) {
-    __builtin_prefetch(indexed.entry);
-    __builtin_prefetch(indexed.ci);
-  }
-  return indexed.entry;
 }
 
 }  // namespace
@@ -141,6 +97,7 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
   const CMPIObjectPath* path = clone->ft->getObjectPath(clone, &status);
   const std::string classKey = NormalizeClassName(CMPIUtil::GetClassName(path));
   const std::string pathText = CMPIUtil::GetObjectPathString(path);
+  const std::string identity = KeyIdentity(path);
   // Written before the entry is published, so that a request served from
   // another thread never sees the bag without its path text.
   bag->setObjectPath(pathText);
@@ -152,7 +109,8 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
     }
     // A later registration under the same text wins; the earlier entry stays
     // allocated, as everything once registered does.
-    File(*container, pathText, entry);
+    (*container)[pathText] = entry;
+    IdentitiesOf(container)[identity] = entry;
   }
   Trace(broker, CMPI_DEV_DEBUG, {">>>>> Registered ", pathText});
 }
@@ -160,7 +118,7 @@ void InstanceRegistry::RegisterInstance(const CMPIBroker* broker, const CMPICont
 InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* broker,
                                                           const CMPIObjectPath* path) {
   const std::string classKey = NormalizeClassName(CMPIUtil::GetClassName(path));
-  const std::string pathText = CMPIUtil::GetObjectPathString(path);
+  const std::string identity = KeyIdentity(path);
   bool classKnown = false;
   Instance* found = nullptr;
   {
@@ -168,7 +126,9 @@ InstanceRegistry::Instance* InstanceRegistry::GetInstance(const CMPIBroker* brok
     auto* container = containers[classKey];
     classKnown = container != nullptr;
     if (classKnown) {
-      found = Fetched(IndexedOf(*container, pathText));
+      const IdentityIndex& identities = IdentitiesOf(container);
+      const auto match = identities.find(identity);
+      found = match != identities.end() ? match->second : nullptr;
     }
   }
   if (!classKnown) {
@@ -235,6 +195,23 @@ void InstanceRegistry::GetCMPIInstances(const CMPIBroker* /*broker*/, std::strin
 void InstanceRegistry::GetCMPIInstances(const CMPIBroker* broker, const CMPIObjectPath* path,
                                         std::vector<CMPIInstance*>& out) {
   GetCMPIInstances(broker, CMPIUtil::GetClassName(path), out);
+}
+
+std::vector<std::string> InstanceRegistry::GetClassNames() {
+  std::vector<std::string> names;
+  const std::lock_guard<std::mutex> lock(registryMutex);
+  for (const auto& slot : containers) {
+    if (slot.second == nullptr) {
+      continue;
+    }
+    for (const auto& entry : *slot.second) {
+      if (entry.second != nullptr) {
+        names.push_back(entry.second->impl->getClassName());
+        break;
+      }
+    }
+  }
+  return names;
 }
 
 CMPIStatus InstanceRegistry::InvokeMethod(const CMPIBroker* broker, const CMPIContext* context,

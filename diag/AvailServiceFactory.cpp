@@ -3,7 +3,9 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "core/StartupScope.h"
 #include "core/Trace.h"
 #include "diag/RegistryHandOver.h"
 #include "diagcore/AvailableDiagnosticService.h"
@@ -15,15 +17,30 @@ namespace NQENDRA20 {
 
 namespace {
 
-// The object path of an enumerated user element, or null when the item is
-// not an instance or has no path: such an item cannot be linked to.
+// The object path of an enumerated user element, or null when the item holds
+// no instance at all. The item's type and state are not looked at:
+// OpenPegasus marks good instances CMPI_nullValue.
 const CMPIObjectPath* UserPath(const CMPIData& item) {
-  if (item.type != CMPI_instance || (item.state & CMPI_nullValue) != 0 ||
-      item.value.inst == nullptr) {
+  if (item.value.inst == nullptr) {
     return nullptr;
   }
   const CMPIInstance* user = item.value.inst;
   return user->ft->getObjectPath(user, nullptr);
+}
+
+// A plug-in whose start-up links a service to nothing has almost always
+// asked for elements that nobody could give it yet; it is told so.
+void WarnIfNothingLinked(const CMPIBroker* broker, const char* startup, unsigned int linked,
+                         const std::string& userClassName,
+                         const std::string& associationClassName) {
+  if (startup == nullptr || linked != 0) {
+    return;
+  }
+  Trace(broker, CMPI_SEV_WARNING,
+        "CreateAvailableServices found no " + userClassName + " to link by " +
+            associationClassName + " in the start-up of plug-in " + startup +
+            ": register the elements in this provider before the call, or serve them from "
+            "another provider");
 }
 
 }  // namespace
@@ -48,8 +65,18 @@ void AvailServiceFactory::CreateAvailableServices(const CMPIBroker* broker,
                                                   unsigned int firstEnumOrder,
                                                   unsigned int enumOrderStep) {
   InstanceRegistry* registry = InstanceRegistry::Singleton();
-  CMPIEnumeration* users = EnumerateUsers(broker, context, userClassName);
-  if (users == nullptr) {
+  // A provider's start-up cannot have the CIMOM enumerate classes that the
+  // provider serves itself (the CIMOM is still waiting for it to start, and
+  // may refuse or hang), so elements it has registered are taken from here.
+  const char* startup = StartupScope::Current();
+  std::vector<CMPIInstance*> registeredUsers;
+  if (startup != nullptr) {
+    registry->GetCMPIInstances(broker, userClassName, registeredUsers);
+  }
+  CMPIEnumeration* users =
+      registeredUsers.empty() ? EnumerateUsers(broker, context, userClassName) : nullptr;
+  if (users == nullptr && registeredUsers.empty()) {
+    WarnIfNothingLinked(broker, startup, 0, userClassName, associationClassName);
     return;
   }
   if (service == nullptr) {
@@ -58,14 +85,8 @@ void AvailServiceFactory::CreateAvailableServices(const CMPIBroker* broker,
     return;
   }
   unsigned int enumOrder = firstEnumOrder;
-  while (users->ft->hasNext(users, nullptr) != 0) {
-    const CMPIData item = users->ft->getNext(users, nullptr);
-    const CMPIObjectPath* userPath = UserPath(item);
-    if (userPath == nullptr) {
-      Trace(broker, CMPI_SEV_WARNING,
-            "CreateAvailableServices skipped a " + userClassName + " item that is not an instance");
-      continue;
-    }
+  unsigned int linked = 0;
+  const auto link = [&](const CMPIObjectPath* userPath) {
     // Owned here until the registry takes it.
     auto association = std::make_unique<AvailableDiagnosticService>(associationClassName);
     AvailableDiagnosticService& bag = *association;
@@ -76,7 +97,22 @@ void AvailServiceFactory::CreateAvailableServices(const CMPIBroker* broker,
     bag["EnumOrder"] = std::to_string(enumOrder);
     enumOrder += enumOrderStep;
     HandToRegistry(registry, broker, context, std::move(association));
+    ++linked;
+  };
+  for (const CMPIInstance* user : registeredUsers) {
+    link(user->ft->getObjectPath(user, nullptr));
   }
+  while (users != nullptr && users->ft->hasNext(users, nullptr) != 0) {
+    const CMPIData item = users->ft->getNext(users, nullptr);
+    const CMPIObjectPath* userPath = UserPath(item);
+    if (userPath == nullptr) {
+      Trace(broker, CMPI_SEV_WARNING,
+            "CreateAvailableServices skipped a " + userClassName + " item that holds no instance");
+      continue;
+    }
+    link(userPath);
+  }
+  WarnIfNothingLinked(broker, startup, linked, userClassName, associationClassName);
 }
 
 }  // namespace NQENDRA20

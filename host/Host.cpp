@@ -347,6 +347,10 @@ void Host::activateProviders() {
   throw HostError(message);
 }
 
+std::vector<UnloadAnswer> Host::unloadIdleProviders() {
+  return UnloadIdle(*impl_);
+}
+
 Reply Host::enumerateInstanceNames(const std::string& nameSpace, const std::string& className) {
   PathData path;
   path.nameSpace = RequestNameSpace(*impl_, nameSpace);

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "core/PathIdentity.h"
 #include "core/Trace.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/DiagServiceProviderCommon.h"
@@ -13,6 +14,7 @@
 using NQENDRA20::CMPIUtil;
 using NQENDRA20::GuardEntry;
 using NQENDRA20::InstanceRegistry;
+using NQENDRA20::ObjectIdentity;
 using NQENDRA20::Trace;
 
 namespace {
@@ -22,25 +24,35 @@ namespace {
 const char* const kNoAssociationClass = "Associators request named no association class";
 
 using Deliver = void (*)(const CMPIResult*, CMPIInstance*);
-using ReferenceMatch = bool (*)(const CMPIBroker*, CMPIObjectPath*, std::string);
+
+// What a reference is matched against: the source's path text (traced, as
+// the comparison always was) and its key identity, or a class name.
+struct Target {
+  std::string text;
+  std::string identity;
+};
+using ReferenceMatch = bool (*)(const CMPIBroker*, CMPIObjectPath*, const Target&);
 
 CMPIStatus Status(CMPIrc rc) {
   CMPIStatus status = {rc, nullptr};
   return status;
 }
 
-// Whether `reference` names the object whose path text is `pathText`.
-bool IsRefInstanceMatch(const CMPIBroker* broker, CMPIObjectPath* reference, std::string pathText) {
+// Whether `reference` names the source object. The classes are compared as
+// names, the keys as an unordered set: a client's source path may hold its
+// keys in any order.
+bool IsRefInstanceMatch(const CMPIBroker* broker, CMPIObjectPath* reference, const Target& source) {
   const std::string referenceText = CMPIUtil::GetObjectPathString(reference);
   Trace(broker, CMPI_DEV_DEBUG, "$$$$ IsRefInstanceMatch");
   Trace(broker, CMPI_DEV_DEBUG, referenceText);
-  Trace(broker, CMPI_DEV_DEBUG, pathText);
-  return referenceText == pathText;
+  Trace(broker, CMPI_DEV_DEBUG, source.text);
+  return ObjectIdentity(reference) == source.identity;
 }
 
-// Whether `reference` names an object of `className` or of a subclass.
-bool IsRefClassMatch(const CMPIBroker* broker, CMPIObjectPath* reference, std::string className) {
-  return broker->eft->classPathIsA(broker, reference, className.c_str(), nullptr) != 0;
+// Whether `reference` names an object of the class `target.text` names, or of
+// a subclass.
+bool IsRefClassMatch(const CMPIBroker* broker, CMPIObjectPath* reference, const Target& target) {
+  return broker->eft->classPathIsA(broker, reference, target.text.c_str(), nullptr) != 0;
 }
 
 bool IsReference(const CMPIData& data) {
@@ -49,7 +61,7 @@ bool IsReference(const CMPIData& data) {
 
 // Whether `association` has a reference, in `property` or (null) in any
 // reference property, that `match` accepts for `target`.
-bool HasReferenceTo(const CMPIBroker* broker, CMPIInstance* association, const std::string& target,
+bool HasReferenceTo(const CMPIBroker* broker, CMPIInstance* association, const Target& target,
                     const char* property, ReferenceMatch match) {
   if (property != nullptr) {
     const CMPIData data = association->ft->getProperty(association, property, nullptr);
@@ -73,15 +85,15 @@ void AssociatorsImpl(const CMPIBroker* broker, const CMPIResult* result,
     result->ft->returnDone(result);
     return;
   }
-  const std::string sourceText = CMPIUtil::GetObjectPathString(source);
+  const Target sourceTarget{CMPIUtil::GetObjectPathString(source), ObjectIdentity(source)};
   std::vector<CMPIInstance*> candidates;
   InstanceRegistry::Singleton()->GetCMPIInstances(broker, std::string(assocClass), candidates);
   for (CMPIInstance* candidate : candidates) {
-    if (!HasReferenceTo(broker, candidate, sourceText, role, IsRefInstanceMatch)) {
+    if (!HasReferenceTo(broker, candidate, sourceTarget, role, IsRefInstanceMatch)) {
       continue;
     }
     if (resultClass != nullptr &&
-        !HasReferenceTo(broker, candidate, std::string(resultClass), resultRole, IsRefClassMatch)) {
+        !HasReferenceTo(broker, candidate, Target{resultClass, ""}, resultRole, IsRefClassMatch)) {
       continue;
     }
     deliver(result, candidate);

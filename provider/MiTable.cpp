@@ -1,6 +1,7 @@
 // The CMPI-signature MI functions that DIAGCORE_PROVIDER's tables hold: the
 // broker travels in the MI's hdl, set by the plug-in's factory.
 #include "diagcore/DiagProvider.h"
+#include "diagcore/DiagServiceProviderCim.h"
 #include "diagcore/DiagServiceProviderCommon.h"
 
 namespace NQENDRA20::mi_table {
@@ -12,11 +13,25 @@ const CMPIBroker* BrokerOf(const Mi* mi) {
   return mi != nullptr ? static_cast<const CMPIBroker*>(mi->hdl) : nullptr;
 }
 
+// Every object the plug-in serves lives only in this process: a CIMOM that
+// unloads an idle provider would lose them all, and OpenPegasus has no
+// setting against it. Only a terminating CIMOM gets its OK.
+template <typename Cleanup>
+CMPIStatus RefuseIdleUnload(CMPIBoolean terminating, Cleanup cleanup) {
+  if (terminating == 0) {
+    CMPIStatus refused = {CMPI_RC_NEVER_UNLOAD, nullptr};
+    return refused;
+  }
+  return cleanup();
+}
+
 }  // namespace
 
 CMPIStatus InstanceCleanup(CMPIInstanceMI* mi, const CMPIContext* context,
                            CMPIBoolean terminating) {
-  return DiagServiceProviderCommonCleanup(BrokerOf(mi), mi, context, terminating);
+  return RefuseIdleUnload(terminating, [&] {
+    return DiagServiceProviderCommonCleanup(BrokerOf(mi), mi, context, terminating);
+  });
 }
 
 CMPIStatus EnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* context,
@@ -59,7 +74,9 @@ CMPIStatus ExecQuery(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIR
 }
 
 CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext* context, CMPIBoolean terminating) {
-  return DiagServiceProviderCommonMethodCleanup(BrokerOf(mi), mi, context, terminating);
+  return RefuseIdleUnload(terminating, [&] {
+    return DiagServiceProviderCommonMethodCleanup(BrokerOf(mi), mi, context, terminating);
+  });
 }
 
 CMPIStatus InvokeMethod(CMPIMethodMI* mi, const CMPIContext* context, const CMPIResult* result,
@@ -71,7 +88,9 @@ CMPIStatus InvokeMethod(CMPIMethodMI* mi, const CMPIContext* context, const CMPI
 
 CMPIStatus AssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* context,
                               CMPIBoolean terminating) {
-  return DiagServiceProviderCommonAssociationCleanup(BrokerOf(mi), mi, context, terminating);
+  return RefuseIdleUnload(terminating, [&] {
+    return DiagServiceProviderCommonAssociationCleanup(BrokerOf(mi), mi, context, terminating);
+  });
 }
 
 CMPIStatus Associators(CMPIAssociationMI* mi, const CMPIContext* context, const CMPIResult* result,
@@ -102,6 +121,36 @@ CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
                           const char* resultClass, const char* role) {
   return DiagServiceProviderCommonReferenceNames(BrokerOf(mi), mi, context, result, source,
                                                  resultClass, role);
+}
+
+CMPIStatus CimAssociators(CMPIAssociationMI* mi, const CMPIContext* context,
+                          const CMPIResult* result, const CMPIObjectPath* source,
+                          const char* assocClass, const char* resultClass, const char* role,
+                          const char* resultRole, const char** properties) {
+  return DiagServiceProviderCimAssociators(BrokerOf(mi), mi, context, result, source, assocClass,
+                                           resultClass, role, resultRole, properties);
+}
+
+CMPIStatus CimAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                              const CMPIResult* result, const CMPIObjectPath* source,
+                              const char* assocClass, const char* resultClass, const char* role,
+                              const char* resultRole) {
+  return DiagServiceProviderCimAssociatorNames(BrokerOf(mi), mi, context, result, source,
+                                               assocClass, resultClass, role, resultRole);
+}
+
+CMPIStatus CimReferences(CMPIAssociationMI* mi, const CMPIContext* context,
+                         const CMPIResult* result, const CMPIObjectPath* source,
+                         const char* resultClass, const char* role, const char** properties) {
+  return DiagServiceProviderCimReferences(BrokerOf(mi), mi, context, result, source, resultClass,
+                                          role, properties);
+}
+
+CMPIStatus CimReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                             const CMPIResult* result, const CMPIObjectPath* source,
+                             const char* resultClass, const char* role) {
+  return DiagServiceProviderCimReferenceNames(BrokerOf(mi), mi, context, result, source,
+                                              resultClass, role);
 }
 
 }  // namespace NQENDRA20::mi_table

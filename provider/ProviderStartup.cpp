@@ -3,6 +3,7 @@
 #include <exception>
 #include <mutex>
 
+#include "core/StartupScope.h"
 #include "diagcore/DiagProvider.h"
 
 namespace NQENDRA20 {
@@ -91,6 +92,7 @@ bool ProviderStartup::Activate(CMPIAssociationMI* mi, const CMPIBroker* broker,
 void ProviderStartup::Run(const CMPIBroker* broker, const CMPIContext* context) noexcept {
   State outcome = State::kDone;
   try {
+    const StartupScope scope(pluginName_);
     startup_(broker, context);
   } catch (const std::exception& error) {
     Fail(error.what());

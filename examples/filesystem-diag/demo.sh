@@ -26,7 +26,8 @@ trap 'rm -rf "$scratch"' EXIT INT TERM
 # What the provider itself serves: the system's name and the file systems.
 "$cmpihost" "$@" ein TORSK_ComputerSystem >"$scratch/system"
 "$cmpihost" "$@" ein FSD_MountedFileSystem >"$scratch/file-systems"
-system=$(sed -n 's/.*Name="\([^"]*\)".*/\1/p' "$scratch/system" | head -n 1)
+# The key Name itself, not CreationClassName, wherever it stands in the path.
+system=$(sed -n 's/.*[.,]Name="\([^"]*\)".*/\1/p' "$scratch/system" | head -n 1)
 
 awk -v sysname="$system" -v paths="$scratch/file-systems" '
   # Every occurrence of the text `token` in `line` replaced by `value`,

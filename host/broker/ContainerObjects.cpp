@@ -187,7 +187,14 @@ CMPIData EnumerationGetNext(const CMPIEnumeration* enumeration, CMPIStatus* rc) 
     SetStatus(rc, CMPI_RC_ERR_NOT_FOUND, "the enumeration has no more elements");
     return NullData(CMPI_null, CMPI_nullValue | CMPI_notFound);
   }
-  return ToCmpiData(object->items[object->next++], rc);
+  CMPIData data = ToCmpiData(object->items[object->next++], rc);
+  // OpenPegasus hands out good instances and paths with the null state set;
+  // a provider that reads the state instead of the value must fail here too.
+  if ((data.type == CMPI_instance && data.value.inst != nullptr) ||
+      (data.type == CMPI_ref && data.value.ref != nullptr)) {
+    data.state = CMPI_nullValue;
+  }
+  return data;
 }
 
 CMPIBoolean EnumerationHasNext(const CMPIEnumeration* enumeration, CMPIStatus* rc) {

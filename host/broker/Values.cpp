@@ -297,7 +297,9 @@ PathData InstanceData::objectPath() const {
   path.host = host;
   path.nameSpace = nameSpace;
   path.className = shape->className;
-  // A class declares each name once, so no key needs looking for first.
+  // In the class's declaration order, inherited keys first (the shape's
+  // order), as SFCB gives an instance's path. A class declares each name
+  // once, so no key needs looking for first.
   for (std::size_t i = 0; i < shape->properties.size(); ++i) {
     if (shape->properties[i].isKey && !values[i].null) {
       path.keys.append(shape->properties[i].name, values[i]);
@@ -468,26 +470,10 @@ std::string KeyValueText(const HostValue& value) {
 }
 
 std::string PathToString(const PathData& path) {
-  const std::vector<NamedValue>& items = path.keys.items();
-  // Keys in name order, ties in their own order: an insertion sort of
-  // pointers, on the stack for the few keys a class has.
-  constexpr std::size_t kFewKeys = 16;
-  const NamedValue* few[kFewKeys];
-  std::vector<const NamedValue*> many;
-  const NamedValue** keys = few;
-  if (items.size() > kFewKeys) {
-    many.resize(items.size());
-    keys = many.data();
-  }
+  const std::vector<NamedValue>& keys = path.keys.items();
   std::size_t length = path.host.size() + path.nameSpace.size() + path.className.size() + 4;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    const NamedValue* key = &items[i];
-    length += key->name.size() + key->value.text.size() + 4;
-    std::size_t j = i;
-    for (; j > 0 && strcasecmp(key->name.c_str(), keys[j - 1]->name.c_str()) < 0; --j) {
-      keys[j] = keys[j - 1];
-    }
-    keys[j] = key;
+  for (const NamedValue& key : keys) {
+    length += key.name.size() + key.value.text.size() + 4;
   }
   std::string out;
   out.reserve(length);
@@ -501,13 +487,28 @@ std::string PathToString(const PathData& path) {
     out += ':';
   }
   out += path.className;
-  for (std::size_t i = 0; i < items.size(); ++i) {
+  // In the order they were added: a provider that depends on the order
+  // must show it here, as it would in a CIMOM that hands paths on as sent.
+  for (std::size_t i = 0; i < keys.size(); ++i) {
     out += i == 0 ? '.' : ',';
-    out += keys[i]->name;
+    out += keys[i].name;
     out += '=';
-    AppendKeyValueText(out, keys[i]->value);
+    AppendKeyValueText(out, keys[i].value);
   }
   return out;
+}
+
+bool SamePath(const PathData& a, const PathData& b) {
+  if (!EqualsIgnoreCase(a.host, b.host) || !EqualsIgnoreCase(a.nameSpace, b.nameSpace) ||
+      !EqualsIgnoreCase(a.className, b.className) || a.keys.size() != b.keys.size()) {
+    return false;
+  }
+  // Keys are a set: two paths that differ only in their keys' order or the
+  // case of their names name the same object.
+  return std::all_of(a.keys.items().begin(), a.keys.items().end(), [&b](const NamedValue& key) {
+    const NamedValue* other = b.keys.find(key.name);
+    return other != nullptr && SameValue(key.value, other->value);
+  });
 }
 
 bool SameValue(const HostValue& a, const HostValue& b) {
@@ -525,9 +526,17 @@ bool SameValue(const HostValue& a, const HostValue& b) {
     return std::equal(a.elements().begin(), a.elements().end(), b.elements().begin(),
                       b.elements().end(), SameValue);
   }
-  if (a.type == CMPI_ref || a.type == CMPI_instance) {
-    // Paths are the same when their printed forms are; keys print sorted.
-    return KeyValueText(a) == KeyValueText(b);
+  if (a.type == CMPI_ref) {
+    const PathData* pathA = a.path();
+    const PathData* pathB = b.path();
+    return pathA == nullptr || pathB == nullptr ? pathA == pathB : SamePath(*pathA, *pathB);
+  }
+  if (a.type == CMPI_instance) {
+    const InstanceData* instanceA = a.instance();
+    const InstanceData* instanceB = b.instance();
+    return instanceA == nullptr || instanceB == nullptr
+               ? instanceA == instanceB
+               : SamePath(instanceA->objectPath(), instanceB->objectPath());
   }
   if (a.type == CMPI_dateTime) {
     return a.interval == b.interval && a.scalar.uint64 == b.scalar.uint64;

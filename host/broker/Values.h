@@ -129,7 +129,8 @@ struct InstanceData {
   // (Behind a pointer: an instance rarely has one, and a kept one is small.)
   std::shared_ptr<const std::vector<std::string>> filter;
 
-  // Host and namespace of the creation path; keys from the Key properties.
+  // Host and namespace of the creation path; keys from the Key properties,
+  // in the class's declaration order.
   PathData objectPath() const;
 };
 
@@ -138,8 +139,11 @@ bool EqualsIgnoreCase(const std::string& a, const std::string& b);
 std::string LowerCase(std::string text);
 
 // `//host/namespace:Class.k1="v",k2=5`: host and namespace only when set,
-// keys sorted by name case-insensitively.
+// keys in the path's own order.
 std::string PathToString(const PathData& path);
+// Whether two paths name the same object: names without regard to case,
+// keys as a set (any order) with the same values.
+bool SamePath(const PathData& a, const PathData& b);
 // One key value as toString prints it.
 std::string KeyValueText(const HostValue& value);
 // Whether two values are the same CIM value (types and contents).

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/Host.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
 
@@ -25,6 +26,8 @@ class Formatter {
                                    const std::vector<Property>& outArguments) const = 0;
   // A script's echo line.
   virtual std::string echo(const std::string& text) const = 0;
+  // A script's unload-idle line: what each MI's cleanup answered.
+  virtual std::string unloadAnswers(const std::vector<UnloadAnswer>& answers) const = 0;
   // Printed between the outputs of two requests in a row that both showed
   // instances, so that a script's listings read apart as their instances do.
   virtual std::string listingSeparator() const = 0;

@@ -131,6 +131,25 @@ std::string JsonFormatter::echo(const std::string& text) const {
   return json.text() + "\n";
 }
 
+std::string JsonFormatter::unloadAnswers(const std::vector<UnloadAnswer>& answers) const {
+  JsonWriter json;
+  json.beginArray();
+  for (const UnloadAnswer& answer : answers) {
+    json.beginObject()
+        .key("provider")
+        .string(answer.providerName)
+        .key("kind")
+        .string(answer.kind)
+        .key("rc")
+        .string(CmpiStatusName(answer.status.rc))
+        .key("unloaded")
+        .boolean(answer.unloaded)
+        .endObject();
+  }
+  json.endArray();
+  return json.text() + "\n";
+}
+
 std::string JsonFormatter::listingSeparator() const {
   return "";  // one JSON text per line already
 }

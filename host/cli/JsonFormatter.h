@@ -16,6 +16,7 @@ class JsonFormatter : public Formatter {
   std::string methodResult(const Value* returnValue,
                            const std::vector<Property>& outArguments) const override;
   std::string echo(const std::string& text) const override;
+  std::string unloadAnswers(const std::vector<UnloadAnswer>& answers) const override;
   std::string listingSeparator() const override;
 };
 

@@ -171,6 +171,13 @@ bool ScriptRunner::runDirective(const std::vector<std::string>& words, const Scr
     session_.addLibraryDir(resolve(OneArgument(words, "DIR"), source));
   } else if (directive == "namespace") {
     session_.setNameSpace(OneArgument(words, "NS"));
+  } else if (directive == "unload-idle") {
+    if (words.size() != 1) {
+      throw UsageError("unload-idle: unexpected argument \"" + words[1] +
+                       "\" (usage: unload-idle)");
+    }
+    progress_.clear();
+    showed(formatter_.unloadAnswers(session_.host().unloadIdleProviders()), false);
   } else {
     return false;
   }

@@ -1,6 +1,7 @@
 // Runs a script: one command per line, in one process, so that what a line
 // creates is there for the lines after it. Besides the request verbs a
-// script may say echo, mof, providers, lib-dir and namespace.
+// script may say echo, mof, providers, lib-dir, namespace and
+// unload-idle.
 //
 // A failing request prints its error and the script goes on (the exit code
 // is then 1); a bad line prints "cmpihost: NAME:LINE: problem" and stops

@@ -1,5 +1,7 @@
 #include "cli/TextFormatter.h"
 
+#include "cmpihost/CmpiNames.h"
+
 namespace cmpihost::cli {
 namespace {
 
@@ -46,6 +48,16 @@ std::string TextFormatter::methodResult(const Value* returnValue,
 
 std::string TextFormatter::echo(const std::string& text) const {
   return text + "\n";
+}
+
+std::string TextFormatter::unloadAnswers(const std::vector<UnloadAnswer>& answers) const {
+  std::string text;
+  for (const UnloadAnswer& answer : answers) {
+    text += "provider " + answer.providerName + ", " + answer.kind +
+            " MI: " + CmpiStatusName(answer.status.rc) +
+            (answer.unloaded ? ", unloaded" : ", stays loaded") + "\n";
+  }
+  return text;
 }
 
 std::string TextFormatter::listingSeparator() const {

@@ -368,35 +368,104 @@ std::vector<std::string> ActivateAll(Host::Impl& host) {
   return refusals;
 }
 
+namespace {
+
+// One MI's cleanup, in a call scope of its own as every MI call is.
+Status CallCleanup(Host::Impl& host, const ProviderEntry& provider, MiKind kind, bool terminating) {
+  void* mi = provider.slots[static_cast<std::size_t>(kind)].mi;
+  Scope scope;
+  const ContextObject* context =
+      CreateInScope<ContextObject>(nullptr, host.contextEntries(provider.nameSpace));
+  const CMPIBoolean flag = terminating ? 1 : 0;
+  CMPIStatus status = MakeStatus(CMPI_RC_OK);
+  try {
+    if (kind == MiKind::kInstance) {
+      auto* instanceMi = static_cast<CMPIInstanceMI*>(mi);
+      if (instanceMi->ft->cleanup != nullptr) {
+        status = instanceMi->ft->cleanup(instanceMi, context, flag);
+      }
+    } else if (kind == MiKind::kMethod) {
+      auto* methodMi = static_cast<CMPIMethodMI*>(mi);
+      if (methodMi->ft->cleanup != nullptr) {
+        status = methodMi->ft->cleanup(methodMi, context, flag);
+      }
+    } else {
+      auto* associationMi = static_cast<CMPIAssociationMI*>(mi);
+      if (associationMi->ft->cleanup != nullptr) {
+        status = associationMi->ft->cleanup(associationMi, context, flag);
+      }
+    }
+  } catch (const std::exception& error) {
+    status = MakeStatus(CMPI_RC_ERR_FAILED, std::string("the provider threw: ") + error.what());
+  } catch (...) {
+    status = MakeStatus(CMPI_RC_ERR_FAILED, "the provider threw");
+  }
+  // Copied before the scope closes: the message may be one of its objects.
+  return CopyStatus(status);
+}
+
+}  // namespace
+
 void CleanupAll(Host::Impl& host) {
   auto created = host.providers.createdInOrder();
   for (auto item = created.rbegin(); item != created.rend(); ++item) {
-    const auto [provider, kind] = *item;
-    void* mi = provider->slots[static_cast<std::size_t>(kind)].mi;
-    Scope scope;
-    const ContextObject* context =
-        CreateInScope<ContextObject>(nullptr, host.contextEntries(provider->nameSpace));
-    try {
-      if (kind == MiKind::kInstance) {
-        auto* instanceMi = static_cast<CMPIInstanceMI*>(mi);
-        if (instanceMi->ft->cleanup != nullptr) {
-          instanceMi->ft->cleanup(instanceMi, context, 1);
-        }
-      } else if (kind == MiKind::kMethod) {
-        auto* methodMi = static_cast<CMPIMethodMI*>(mi);
-        if (methodMi->ft->cleanup != nullptr) {
-          methodMi->ft->cleanup(methodMi, context, 1);
-        }
-      } else {
-        auto* associationMi = static_cast<CMPIAssociationMI*>(mi);
-        if (associationMi->ft->cleanup != nullptr) {
-          associationMi->ft->cleanup(associationMi, context, 1);
-        }
-      }
-    } catch (...) {
-      // A provider failing to clean up cannot stop the host from closing.
+    // A provider failing to clean up cannot stop the host from closing.
+    CallCleanup(host, *item->first, item->second, true);
+  }
+}
+
+std::vector<UnloadAnswer> UnloadIdle(Host::Impl& host) {
+  std::lock_guard<std::recursive_mutex> lock(host.providers.activationMutex());
+  // Each provider once, in the order its first MI was created.
+  std::vector<ProviderEntry*> providers;
+  const auto created = host.providers.createdInOrder();
+  for (const auto& [provider, kind] : created) {
+    if (std::find(providers.begin(), providers.end(), provider) == providers.end()) {
+      providers.push_back(provider);
     }
   }
+  std::vector<UnloadAnswer> answers;
+  for (ProviderEntry* provider : providers) {
+    const std::size_t first = answers.size();
+    bool unload = true;
+    for (const auto& [owner, kind] : created) {
+      if (owner != provider) {
+        continue;
+      }
+      UnloadAnswer answer;
+      answer.providerName = provider->name;
+      answer.kind = MiKindName(kind);
+      answer.status = CallCleanup(host, *provider, kind, false);
+      // Only every MI agreeing lets a CIMOM unload; a refusal or a failure
+      // keeps the provider as it is, MIs that did agree included.
+      unload = unload && answer.status.rc == CMPI_RC_OK;
+      answers.push_back(std::move(answer));
+    }
+    if (unload) {
+      // As a reloaded library would: the factories run again at the next
+      // request. The library stays open; what it handed out may still live.
+      for (ProviderEntry::Slot& slot : provider->slots) {
+        slot.mi = nullptr;
+        slot.refusal.clear();
+        slot.settled.store(false, std::memory_order_release);
+      }
+      host.providers.forgetCreated(provider);
+    }
+    for (std::size_t i = first; i < answers.size(); ++i) {
+      UnloadAnswer& answer = answers[i];
+      answer.unloaded = unload;
+      LogRecord record;
+      record.kind = LogRecord::Kind::kLog;
+      record.severity = CMPI_SEV_INFO;
+      record.id = "cmpihost";
+      record.text = "idle unload: provider " + answer.providerName + ", " + answer.kind +
+                    " MI cleanup answered " + CmpiStatusName(answer.status.rc) +
+                    (answer.status.hasMessage ? " (" + answer.status.message + ")" : "") +
+                    (unload ? "; unloaded" : "; stays loaded");
+      host.log.add(std::move(record));
+    }
+  }
+  return answers;
 }
 
 InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,

@@ -35,6 +35,8 @@ void* ActivateMi(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::st
 std::vector<std::string> ActivateAll(Host::Impl& host);
 // Calls cleanup(terminating) on every created MI, newest first.
 void CleanupAll(Host::Impl& host);
+// Host::unloadIdleProviders.
+std::vector<UnloadAnswer> UnloadIdle(Host::Impl& host);
 
 // A null properties pointer means all properties.
 Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,

@@ -159,6 +159,13 @@ void ProviderTable::noteCreated(ProviderEntry* entry, MiKind kind) {
   created_.emplace_back(entry, kind);
 }
 
+void ProviderTable::forgetCreated(const ProviderEntry* entry) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  created_.erase(std::remove_if(created_.begin(), created_.end(),
+                                [entry](const auto& item) { return item.first == entry; }),
+                 created_.end());
+}
+
 std::vector<std::pair<ProviderEntry*, MiKind>> ProviderTable::createdInOrder() const {
   std::lock_guard<std::mutex> lock(mutex_);
   return created_;

@@ -64,6 +64,8 @@ class ProviderTable {
   // another provider) and the order in which MIs were created.
   std::recursive_mutex& activationMutex() { return activation_; }
   void noteCreated(ProviderEntry* entry, MiKind kind);
+  // After an unload: none of the provider's MIs count as created.
+  void forgetCreated(const ProviderEntry* entry);
   std::vector<std::pair<ProviderEntry*, MiKind>> createdInOrder() const;
 
  private:

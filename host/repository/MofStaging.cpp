@@ -51,6 +51,60 @@ bool SameShape(const TypeDecl& a, const TypeDecl& b) {
   return a.type == b.type && a.isArray == b.isArray;
 }
 
+// A reference's text with its host, namespace, class and key names
+// lower-cased and its keys sorted: two texts naming one object, whatever
+// the order of their keys, become the same text.
+std::string CanonicalReference(const std::string& text) {
+  std::size_t at = 0;
+  if (text.rfind("//", 0) == 0) {
+    at = std::min(text.find('/', 2), text.size());  // a host name may hold dots
+  }
+  std::string head = text.substr(0, at);
+  std::vector<std::string> keys;
+  std::string current;
+  bool inKeys = false;
+  bool quoted = false;
+  bool escaped = false;
+  for (; at < text.size(); ++at) {
+    const char c = text[at];
+    if (quoted) {
+      if (escaped) {
+        escaped = false;
+      } else if (c == '\\') {
+        escaped = true;
+      } else if (c == '"') {
+        quoted = false;
+      }
+    } else if (c == '"') {
+      quoted = true;
+    } else if (c == '.' && !inKeys) {
+      head += current;
+      current.clear();
+      inKeys = true;
+      continue;
+    } else if (c == ',' && inKeys) {
+      keys.push_back(std::move(current));
+      current.clear();
+      continue;
+    }
+    current += c;
+  }
+  if (!inKeys) {
+    return AsciiLowered(head + current);
+  }
+  keys.push_back(std::move(current));
+  for (std::string& key : keys) {
+    const std::size_t equals = std::min(key.find('='), key.size());
+    key = AsciiLowered(key.substr(0, equals)) + key.substr(equals);
+  }
+  std::sort(keys.begin(), keys.end());
+  std::string canonical = AsciiLowered(head);
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    canonical += (i == 0 ? "." : ",") + keys[i];
+  }
+  return canonical;
+}
+
 }  // namespace
 
 struct MofStaging::StagedNamespace {
@@ -518,9 +572,12 @@ void MofStaging::resolveAliases(const std::string& file, RawValue& raw) const {
 std::string MofStaging::pathText(const ClassDecl& decl, const StaticInstance& instance,
                                  bool canonical) {
   std::vector<const PropertyDecl*> keys = decl.keyProperties();
-  std::sort(keys.begin(), keys.end(), [](const PropertyDecl* a, const PropertyDecl* b) {
-    return NoCaseCompare(a->name, b->name) < 0;
-  });
+  if (canonical) {
+    // Compared as a set: one text whatever order the keys come in.
+    std::sort(keys.begin(), keys.end(), [](const PropertyDecl* a, const PropertyDecl* b) {
+      return NoCaseCompare(a->name, b->name) < 0;
+    });
+  }
   std::string text = canonical ? AsciiLowered(decl.name()) : decl.name();
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const MofValue* value = &keys[i]->defaultValue;
@@ -533,7 +590,13 @@ std::string MofStaging::pathText(const ClassDecl& decl, const StaticInstance& in
     text += i == 0 ? '.' : ',';
     text += canonical ? AsciiLowered(keys[i]->name) : keys[i]->name;
     text += '=';
-    text += PathValueText(*value);
+    if (canonical && value->kind == MofValue::Kind::kReference) {
+      MofValue reference = *value;
+      reference.text = CanonicalReference(reference.text);
+      text += PathValueText(reference);
+    } else {
+      text += PathValueText(*value);
+    }
   }
   return text;
 }

@@ -84,8 +84,9 @@ class MofStaging {
                      bool inherited, const std::string& className, const char* what) const;
 
   void resolveAliases(const std::string& file, RawValue& raw) const;
-  // The instance's path text, `Class.Key1="v",Key2=5` with keys in
-  // case-insensitive name order; `canonical` lower-cases names for comparing.
+  // The instance's path text, `Class.Key1="v",Key2=5` with keys in the
+  // class's declaration order; `canonical` sorts the keys by name and
+  // lower-cases names, for comparing.
   static std::string pathText(const ClassDecl& decl, const StaticInstance& instance,
                               bool canonical);
   void seedInstancePaths(StagedNamespace& space, const ClassDecl& decl);

@@ -32,7 +32,14 @@ class AvailServiceFactory {
   // path text (register the service first), UserOfService the element's
   // object path text, and EnumOrder counting from `firstEnumOrder` by
   // `enumOrderStep` (unsigned 32-bit, wrapping). A null enumeration creates
-  // nothing; an item that is not an instance is skipped with a warning.
+  // nothing; an item that holds no instance is skipped with a warning (its
+  // type and state are not looked at).
+  //
+  // Called from a DIAGCORE_PROVIDER start-up, it takes the users from the
+  // registry when this provider has registered instances of `userClassName`
+  // (EnumerateUsers is then not asked: a CIMOM cannot serve a provider's own
+  // classes while that provider starts), and it warns when it linked the
+  // service to no element at all.
   void CreateAvailableServices(const CMPIBroker* broker, const CMPIContext* context,
                                InstanceImpl* service, std::string userClassName,
                                std::string associationClassName, unsigned int firstEnumOrder,

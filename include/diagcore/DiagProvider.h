@@ -18,6 +18,17 @@
 // start-up returns at once. When start-up throws, that call and every later
 // one return null with CMPI_RC_ERR_FAILED and the message
 // "Start-up of plug-in MyPlugin failed: <what>"; start-up is not retried.
+//
+// Every table's cleanup refuses an idle unload (`terminating` false) with
+// CMPI_RC_NEVER_UNLOAD, since every object the plug-in serves lives only in
+// the provider's memory, and answers a terminating cleanup with CMPI_RC_OK.
+//
+// DIAGCORE_PROVIDER's association table holds the DiagServiceProviderCommon
+// functions: associator requests deliver the association objects and
+// reference requests are not supported. DIAGCORE_CIM_PROVIDER(MyPlugin,
+// StartMyPlugin) is the same but for an association table with CIM's
+// semantics (DiagServiceProviderCim.h), which standard clients expect: use it
+// for a plug-in deployed into a CIMOM.
 #ifndef DIAGCORE_DIAGPROVIDER_H_
 #define DIAGCORE_DIAGPROVIDER_H_
 
@@ -73,6 +84,21 @@ CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
                           const CMPIResult* result, const CMPIObjectPath* source,
                           const char* resultClass, const char* role);
 
+CMPIStatus CimAssociators(CMPIAssociationMI* mi, const CMPIContext* context,
+                          const CMPIResult* result, const CMPIObjectPath* source,
+                          const char* assocClass, const char* resultClass, const char* role,
+                          const char* resultRole, const char** properties);
+CMPIStatus CimAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                              const CMPIResult* result, const CMPIObjectPath* source,
+                              const char* assocClass, const char* resultClass, const char* role,
+                              const char* resultRole);
+CMPIStatus CimReferences(CMPIAssociationMI* mi, const CMPIContext* context,
+                         const CMPIResult* result, const CMPIObjectPath* source,
+                         const char* resultClass, const char* role, const char** properties);
+CMPIStatus CimReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                             const CMPIResult* result, const CMPIObjectPath* source,
+                             const char* resultClass, const char* role);
+
 }  // namespace mi_table
 
 // The once-flag of one plug-in's start-up. DIAGCORE_PROVIDER defines one per
@@ -124,7 +150,9 @@ class ProviderStartup {
     return Name##_diagcoreStartup.Activate(&mi, broker, context, rc) ? &mi : nullptr;          \
   }
 
-#define DIAGCORE_PROVIDER(Name, startup)                                                        \
+// The three factories of one plug-in, with association functions whose names
+// in mi_table begin with `assoc` (nothing or Cim). Internal to the macros.
+#define DIAGCORE_PROVIDER_TABLES_(Name, startup, assoc)                                         \
   static NQENDRA20::ProviderStartup Name##_diagcoreStartup(#Name, startup);                     \
   DIAGCORE_PROVIDER_FACTORY_(                                                                   \
       Name, CMPIInstanceMI, CMPIInstanceMIFT, Instance, CMPICurrentVersion, CMPICurrentVersion, \
@@ -139,8 +167,11 @@ class ProviderStartup {
   DIAGCORE_PROVIDER_FACTORY_(                                                                   \
       Name, CMPIAssociationMI, CMPIAssociationMIFT, Association, CMPICurrentVersion,            \
       CMPICurrentVersion, "association" #Name, NQENDRA20::mi_table::AssociationCleanup,         \
-      NQENDRA20::mi_table::Associators, NQENDRA20::mi_table::AssociatorNames,                   \
-      NQENDRA20::mi_table::References, NQENDRA20::mi_table::ReferenceNames)                     \
+      NQENDRA20::mi_table::assoc##Associators, NQENDRA20::mi_table::assoc##AssociatorNames,     \
+      NQENDRA20::mi_table::assoc##References, NQENDRA20::mi_table::assoc##ReferenceNames)       \
   static_assert(true, "DIAGCORE_PROVIDER is followed by a semicolon")
+
+#define DIAGCORE_PROVIDER(Name, startup) DIAGCORE_PROVIDER_TABLES_(Name, startup, )
+#define DIAGCORE_CIM_PROVIDER(Name, startup) DIAGCORE_PROVIDER_TABLES_(Name, startup, Cim)
 
 #endif  // DIAGCORE_DIAGPROVIDER_H_

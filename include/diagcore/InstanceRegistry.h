@@ -4,7 +4,10 @@
 // for the life of the process, filed under the upper-cased class name and the
 // object path text. Every get, enumeration and method call is answered from
 // here. Nothing is ever removed; a later registration under the same class and
-// path text replaces the earlier one. Lookups insert an empty slot on a miss.
+// path text replaces the earlier one. A lookup by path finds the object
+// whatever the order of the path's keys and the letter case of their names
+// (CIM keys are an unordered set); key values, host and namespace are
+// compared as before: values exactly, host and namespace not at all.
 //
 // All operations may be called from several threads at once: the maps are
 // guarded by one mutex, which is never held while the broker is called back
@@ -60,6 +63,10 @@ class InstanceRegistry {
   // The same for the class of `path`; its keys are ignored.
   void GetCMPIInstances(const CMPIBroker* broker, const CMPIObjectPath* path,
                         std::vector<CMPIInstance*>& out);
+
+  // The names of the registered classes, each as its first registered bag
+  // spells it, in the order of their upper-cased names.
+  std::vector<std::string> GetClassNames();
 
   // Calls invokeMethod of the bag registered under `path`; CMPI_RC_ERR_NOT_FOUND
   // when there is none.

@@ -9,6 +9,7 @@
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagService.h"
 #include "diagcore/DiagServiceCapabilitiesData.h"
+#include "diagcore/DiagServiceProviderCim.h"
 #include "diagcore/DiagServiceProviderCommon.h"
 #include "diagcore/DiagServiceSettingData.h"
 #include "diagcore/DiagUser.h"

@@ -91,8 +91,8 @@ TEST(OutputTest, AssociationsTheirFiltersAndTheEmptyAnswerHint) {
   ExpectSuccess(RunCmpihost(WithProvider({"ai", kWidget, "--assoc-class=Cli_WidgetOnShelf"})),
                 BareShelfText("s1"));
   ExpectSuccess(RunCmpihost(WithProvider({"rin", kWidget, "--role", "Widget"})),
-                "root/cimv2:Cli_WidgetOnShelf.Shelf=\"root/cimv2:Cli_Shelf.Id=\\\"s1\\\"\","
-                "Widget=\"root/cimv2:Cli_Widget.Name=\\\"w1\\\"\"\n");
+                "root/cimv2:Cli_WidgetOnShelf.Widget=\"root/cimv2:Cli_Widget.Name=\\\"w1\\\"\","
+                "Shelf=\"root/cimv2:Cli_Shelf.Id=\\\"s1\\\"\"\n");
   ExpectSuccess(RunCmpihost(WithProvider({"rin", kWidget, "--role", "Shelf"})), "");
   const CommandResult references = RunCmpihost(WithProvider({"--json", "ri", kWidget}));
   EXPECT_EQ(references.exitCode, 0);

@@ -174,5 +174,43 @@ TEST(ScriptTest, StandardInputRunsWithDashOrWithoutAVerb) {
   EXPECT_EQ(empty.out + empty.err, "");
 }
 
+// unload-idle asks what a CIMOM's idle sweep asks; the provider answers OK
+// for each MI, so it is unloaded and the next request creates what it needs.
+TEST(ScriptTest, UnloadIdleShowsEachMisAnswerAndTheNextRequestReloads) {
+  const CommandResult result = RunCmpihost(
+      WithProvider({"--trace", "-"}), "unload-idle\nein Cli_Widget\nunload-idle\nunload-idle\n");
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(result.out,
+            "provider CliTest, Instance MI: CMPI_RC_OK, unloaded\n"
+            "provider CliTest, Method MI: CMPI_RC_OK, unloaded\n"
+            "provider CliTest, Association MI: CMPI_RC_OK, unloaded\n"
+            "root/cimv2:Cli_Widget.Name=\"w1\"\n"
+            "root/cimv2:Cli_Widget.Name=\"w2\"\n"
+            "provider CliTest, Instance MI: CMPI_RC_OK, unloaded\n");
+  EXPECT_EQ(result.err,
+            "[2 cmpihost] idle unload: provider CliTest, Instance MI cleanup answered CMPI_RC_OK; "
+            "unloaded\n"
+            "[2 cmpihost] idle unload: provider CliTest, Method MI cleanup answered CMPI_RC_OK; "
+            "unloaded\n"
+            "[2 cmpihost] idle unload: provider CliTest, Association MI cleanup answered "
+            "CMPI_RC_OK; unloaded\n"
+            "[4 clitest] +++ EnumInstanceNames\n"
+            "[2 cmpihost] idle unload: provider CliTest, Instance MI cleanup answered CMPI_RC_OK; "
+            "unloaded\n");
+
+  const CommandResult json = RunCmpihost(WithProvider({"--json", "-"}), "unload-idle\n");
+  EXPECT_EQ(
+      json.out,
+      "[{\"provider\":\"CliTest\",\"kind\":\"Instance\",\"rc\":\"CMPI_RC_OK\",\"unloaded\":true},"
+      "{\"provider\":\"CliTest\",\"kind\":\"Method\",\"rc\":\"CMPI_RC_OK\",\"unloaded\":true},"
+      "{\"provider\":\"CliTest\",\"kind\":\"Association\",\"rc\":\"CMPI_RC_OK\","
+      "\"unloaded\":true}]\n");
+
+  const CommandResult bad = RunCmpihost(WithProvider({"-"}), "unload-idle now\n");
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(bad.err,
+            "cmpihost: <stdin>:1: unload-idle: unexpected argument \"now\" (usage: unload-idle)\n");
+}
+
 }  // namespace
 }  // namespace cmpihost::testing

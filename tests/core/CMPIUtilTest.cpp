@@ -139,7 +139,7 @@ TEST_F(CMPIUtilHostTest, PathTextIsTheBrokersTextWithoutHostNamespaceOrEscapes) 
       "//localhost/root/cimv2:DCT_Element.CreationClassName=\"DCT_Element\",DeviceID=\"d1\"";
   const TextCase cases[] = {
       {"//otherhost/root/cimv2:DCT_Element.DeviceID=\"d1\",CreationClassName=\"DCT_Element\"",
-       ElementText("d1")},
+       "DCT_Element.DeviceID=\"d1\",CreationClassName=\"DCT_Element\""},
       {"root/cimv2:DCT_Element.CreationClassName=\"DCT_Element\",DeviceID=\"say \\\"hi\\\"\"",
        ElementText("say \"hi\"")},
       {"DCT_Element.CreationClassName=\"DCT_Element\",DeviceID=\"back\\\\slash\"",

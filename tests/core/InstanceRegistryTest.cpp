@@ -89,7 +89,7 @@ TEST_F(InstanceRegistryTest, RegistrationBuildsTwiceClonesAndFilesUnderThePathTe
   EXPECT_EQ(reply.instances()[0].find("Caption")->text, "c");
 }
 
-TEST_F(InstanceRegistryTest, AMissLeavesAnEmptySlotThatALaterRegistrationFillsAndTheLastWins) {
+TEST_F(InstanceRegistryTest, AMissFindsNothingUntilARegistrationAndTheLastRegistrationWins) {
   Register(NewElement("b", {{"EnumOrder", "2"}}));
   Register(NewElement("c", {{"EnumOrder", "1"}}));
   TakeTraces();
@@ -137,6 +137,43 @@ TEST_F(InstanceRegistryTest, ClassNamesMatchInAnyCasePathTextsExactly) {
   EXPECT_NE(Lookup(scope, ElementText("A")), Lookup(scope, ElementText("a")));
   // The bag of a lower-case class name is found under the text it was told.
   EXPECT_EQ(Lookup(scope, lower->getObjectPath())->impl, lower);
+}
+
+// CIM keys are an unordered set, and SFCB hands the provider a client's path
+// with the keys in the client's order.
+TEST_F(InstanceRegistryTest, LookupsFindTheObjectWhateverTheKeyOrderAndKeyNameCase) {
+  TestBag* element = Register(NewElement("d1"));
+  TestBag* link =
+      Register(NewBag(std::string("DCT_Link"), PropertyList{{"Antecedent", ElementText("a")},
+                                                            {"Dependent", ElementText("d1")}}));
+  TakeTraces();
+  const struct {
+    const char* text;
+    TestBag* expected;
+  } cases[] = {
+      {R"(DCT_Element.CreationClassName="DCT_Element",DeviceID="d1")", element},
+      {R"(DCT_Element.DeviceID="d1",CreationClassName="DCT_Element")", element},
+      {R"(//h/root/cimv2:dct_element.deviceid="d1",CREATIONCLASSNAME="DCT_Element")", element},
+      {R"(DCT_Element.DeviceID="D1",CreationClassName="DCT_Element")", nullptr},
+      {R"(DCT_Element.DeviceID="d1")", nullptr},
+      {R"(DCT_Link.Dependent="DCT_Element.DeviceID=\"d1\",CreationClassName=\"DCT_Element\"",)"
+       R"(Antecedent="DCT_Element.CreationClassName=\"DCT_Element\",DeviceID=\"a\"")",
+       link},
+      {R"(DCT_Link.Dependent="DCT_Element.DeviceID=\"a\",CreationClassName=\"DCT_Element\"",)"
+       R"(Antecedent="DCT_Element.CreationClassName=\"DCT_Element\",DeviceID=\"d1\"")",
+       nullptr},
+  };
+  cmpihost::CallScope scope(host());
+  for (const auto& c : cases) {
+    const InstanceRegistry::Instance* found = Lookup(scope, c.text);
+    EXPECT_EQ(found != nullptr ? found->impl : nullptr, c.expected) << c.text;
+  }
+  // A miss is traced as before.
+  EXPECT_THAT(TakeTraces(), IsEmpty());
+  EXPECT_EQ(Registry().GetCMPIInstance(scope.broker(), scope.objectPath(cases[3].text)), nullptr);
+  EXPECT_EQ(TakeTraces(), std::vector<TraceLine>{Warning("Didn't find instance")});
+  EXPECT_EQ(Registry().GetCMPIInstance(scope.broker(), scope.objectPath(cases[2].text)),
+            Lookup(scope, ElementText("d1"))->ci);
 }
 
 TEST_F(InstanceRegistryTest, LookupOfAnUnregisteredClassTracesAndIsSilentLater) {

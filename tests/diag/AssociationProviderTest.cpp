@@ -45,7 +45,7 @@ std::vector<std::string> Pairs(const std::vector<InstanceSnapshot>& associations
   for (const InstanceSnapshot& association : associations) {
     const std::string service = Prop(association, "ServiceProvided").text;
     const std::string device = Prop(association, "UserOfService").text;
-    const std::string name = service.substr(service.find(",Name=\"") + 7);
+    const std::string name = service.substr(service.find(".Name=\"") + 7);
     const std::string id = device.substr(device.find("DeviceID=\"") + 10);
     pairs.push_back(name.substr(0, name.find('"')) + "/" + id.substr(0, id.find('"')));
   }

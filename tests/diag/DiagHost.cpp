@@ -70,13 +70,15 @@ void RegisterTestPlugin(cmpihost::Host& host) {
 }
 
 std::string ServiceText(const std::string& name) {
-  return R"(DTP_DiagService.CreationClassName="DTP_DiagService",Name=")" + name +
-         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
+  return R"(DTP_DiagService.Name=")" + name +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example",)"
+         R"(CreationClassName="DTP_DiagService")";
 }
 
 std::string DeviceText(const std::string& deviceId) {
-  return R"(DTP_Device.CreationClassName="DTP_Device",DeviceID=")" + deviceId +
-         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
+  return R"(DTP_Device.SystemCreationClassName="TORSK_ComputerSystem",)"
+         R"(SystemName="testhost.example",CreationClassName="DTP_Device",DeviceID=")" +
+         deviceId + "\"";
 }
 
 std::string AvailabilityText(const std::string& service, const std::string& deviceId) {

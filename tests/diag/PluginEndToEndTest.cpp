@@ -153,10 +153,12 @@ TEST_F(PluginEndToEndTest, RunsAtDifferentTimesLeaveARecordEach) {
   AdvanceClockPerCall();
   const std::string first = CimDateTime(FixedTime());
   const std::string second = CimDateTime(FixedTime() + std::chrono::seconds(1));
-  EXPECT_EQ(Run("Passing", DevicePath("disk0")).data()[0].uint, 0U);
+  const Reply run = Run("Passing", DevicePath("disk0"));
+  ASSERT_THAT(run.data(), SizeIs(1)) << run.status.message;
+  EXPECT_EQ(run.data()[0].uint, 0U);
   const std::string system =
-      "root/cimv2:TORSK_ComputerSystem.CreationClassName=\"TORSK_ComputerSystem\","
-      "Name=\"testhost.example\"";
+      "root/cimv2:TORSK_ComputerSystem.Name=\"testhost.example\","
+      "CreationClassName=\"TORSK_ComputerSystem\"";
   EXPECT_EQ(Run("Passing", system).status.rc, CMPI_RC_OK);
 
   const std::vector<InstanceSnapshot> records = Records();

@@ -19,14 +19,15 @@ const std::string kPluginDir = DIAGTESTPLUGIN_DIR;
 const std::string kKeys =
     R"(SystemCreationClassName="TORSK_ComputerSystem",SystemName="testhost.example")";
 
+// Keys in the classes' declaration order, as the plug-in registered them.
 std::string ServicePath(const std::string& name) {
-  return R"(root/cimv2:DTP_DiagService.CreationClassName="DTP_DiagService",Name=")" + name + "\"," +
-         kKeys;
+  return R"(root/cimv2:DTP_DiagService.Name=")" + name + "\"," + kKeys +
+         R"(,CreationClassName="DTP_DiagService")";
 }
 
 std::string DevicePath(const std::string& deviceId) {
-  return R"(root/cimv2:DTP_Device.CreationClassName="DTP_Device",DeviceID=")" + deviceId + "\"," +
-         kKeys;
+  return "root/cimv2:DTP_Device." + kKeys + R"(,CreationClassName="DTP_Device",DeviceID=")" +
+         deviceId + "\"";
 }
 
 ProviderHostOptions Options() {

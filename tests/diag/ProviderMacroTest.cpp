@@ -10,8 +10,11 @@
 
 #include "cmpihost/CallScope.h"
 #include "diag/DiagHost.h"
+#include "diagcore/AvailServiceFactory.h"
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagServiceCapabilitiesData.h"
+#include "diagcore/DiagServiceProviderCim.h"
+#include "diagcore/DiagUser.h"
 #include "diagcore/InstanceRegistry.h"
 
 namespace {
@@ -40,12 +43,49 @@ void OddStartup(const CMPIBroker* /*broker*/, const CMPIContext* /*context*/) {
 
 void NestedStartup(const CMPIBroker* broker, const CMPIContext* context);
 
+NQENDRA20::InstanceImpl* Registered(const CMPIBroker* broker, const CMPIContext* context,
+                                    NQENDRA20::InstanceImpl* bag) {
+  NQENDRA20::InstanceRegistry::Singleton()->RegisterInstance(broker, context, bag);
+  return bag;
+}
+
+NQENDRA20::InstanceImpl* CapabilitiesAsService(const CMPIBroker* broker, const CMPIContext* context,
+                                               const char* id) {
+  auto* service = new NQENDRA20::DiagServiceCapabilitiesData("DTP_DiagCapabilities");
+  (*service)["InstanceID"] = id;
+  return Registered(broker, context, service);
+}
+
+// A plug-in that serves the elements it tests: its own DTP_Device, which the
+// CIMOM could not enumerate for it while it starts.
+void OwnElementsStartup(const CMPIBroker* broker, const CMPIContext* context) {
+  auto* device = new NQENDRA20::DiagUser();
+  device->setClassName("DTP_Device");
+  (*device)["CreationClassName"] = "DTP_Device";
+  (*device)["DeviceID"] = "own0";
+  (*device)["SystemCreationClassName"] = "TORSK_ComputerSystem";
+  (*device)["SystemName"] = "testhost.example";
+  Registered(broker, context, device);
+  NQENDRA20::AvailServiceFactory().CreateAvailableServices(
+      broker, context, CapabilitiesAsService(broker, context, "own"), "DTP_Device",
+      "DTP_AvailableDiagnosticService", 1, 1);
+}
+
+// A plug-in that links its service to a class nobody serves.
+void NoElementsStartup(const CMPIBroker* broker, const CMPIContext* context) {
+  NQENDRA20::AvailServiceFactory().CreateAvailableServices(
+      broker, context, CapabilitiesAsService(broker, context, "none"), "DTP_Nowhere",
+      "DTP_AvailableDiagnosticService", 1, 1);
+}
+
 }  // namespace
 
 DIAGCORE_PROVIDER(CountingPlugin, CountingStartup);
 DIAGCORE_PROVIDER(FailingPlugin, FailingStartup);
 DIAGCORE_PROVIDER(OddPlugin, OddStartup);
 DIAGCORE_PROVIDER(NestedPlugin, NestedStartup);
+DIAGCORE_CIM_PROVIDER(OwnElementsPlugin, OwnElementsStartup);
+DIAGCORE_CIM_PROVIDER(NoElementsPlugin, NoElementsStartup);
 
 namespace {
 
@@ -141,13 +181,14 @@ TEST_F(ProviderMacroTest, TheTablesAnswerAsTheLibrarysFunctions) {
        CMPI_RC_ERR_NOT_SUPPORTED},
       {"execQuery", instance->ft->execQuery(instance, context, untouched, path, "q", "WQL"),
        CMPI_RC_ERR_NOT_SUPPORTED},
-      {"instance cleanup", instance->ft->cleanup(instance, context, 0), CMPI_RC_OK},
+      {"idle instance cleanup", instance->ft->cleanup(instance, context, 0), CMPI_RC_NEVER_UNLOAD},
       {"terminating cleanup", instance->ft->cleanup(instance, context, 1), CMPI_RC_OK},
       {"invokeMethod",
        method->ft->invokeMethod(method, context, untouched,
                                 scope.objectPath("DTP_DiagService.Name=\"none\""), "RunDiagnostic",
                                 nullptr, nullptr),
        CMPI_RC_ERR_NOT_FOUND},
+      {"idle method cleanup", method->ft->cleanup(method, context, 0), CMPI_RC_NEVER_UNLOAD},
       {"method cleanup", method->ft->cleanup(method, context, 1), CMPI_RC_OK},
       {"associators",
        association->ft->associators(association, context, associators, path, nullptr, nullptr,
@@ -165,6 +206,8 @@ TEST_F(ProviderMacroTest, TheTablesAnswerAsTheLibrarysFunctions) {
       {"referenceNames",
        association->ft->referenceNames(association, context, untouched, path, nullptr, nullptr),
        CMPI_RC_ERR_NOT_SUPPORTED},
+      {"idle association cleanup", association->ft->cleanup(association, context, 0),
+       CMPI_RC_NEVER_UNLOAD},
       {"association cleanup", association->ft->cleanup(association, context, 1), CMPI_RC_OK},
   };
   for (const auto& call : calls) {
@@ -228,6 +271,52 @@ TEST_F(ProviderMacroTest, AFactoryCalledFromInsideTheStartupReturnsAtOnce) {
   ASSERT_NE(nestedMethodMi, nullptr);
   EXPECT_EQ(NestedPlugin_Create_MethodMI(scope.broker(), scope.context(), nullptr), nestedMethodMi);
   EXPECT_EQ(nestedStarts, 1);
+}
+
+// Started by a provider macro, the availability factory links the elements
+// the plug-in registered itself, and says so when it linked nothing.
+TEST_F(ProviderMacroTest, AStartupLinksItsOwnElementsAndIsToldWhenItLinkedNone) {
+  cmpihost::CallScope scope(host());
+  ASSERT_NE(OwnElementsPlugin_Create_InstanceMI(scope.broker(), scope.context(), nullptr), nullptr);
+  std::vector<CMPIInstance*> associations;
+  NQENDRA20::InstanceRegistry::Singleton()->GetCMPIInstances(
+      scope.broker(), "DTP_AvailableDiagnosticService", associations);
+  ASSERT_EQ(associations.size(), 1U);
+  EXPECT_THAT(scope.snapshot(associations[0]).path, ::testing::HasSubstr("DeviceID=\\\"own0\\\""));
+  for (const TraceLine& trace : TakeTraces()) {
+    EXPECT_NE(trace.severity, CMPI_SEV_WARNING) << trace.text;
+  }
+
+  ASSERT_NE(NoElementsPlugin_Create_InstanceMI(scope.broker(), scope.context(), nullptr), nullptr);
+  const std::vector<TraceLine> traces = TakeTraces();
+  ASSERT_FALSE(traces.empty());
+  EXPECT_EQ(traces.back(),
+            Warning("CreateAvailableServices found no DTP_Nowhere to link by "
+                    "DTP_AvailableDiagnosticService in the start-up of plug-in NoElementsPlugin: "
+                    "register the elements in this provider before the call, or serve them from "
+                    "another provider"));
+
+  // The same call outside a start-up says nothing, as it always did.
+  NQENDRA20::DiagServiceCapabilitiesData service("DTP_DiagCapabilities");
+  NQENDRA20::AvailServiceFactory().CreateAvailableServices(scope.broker(), scope.context(),
+                                                           &service, "DTP_Nowhere",
+                                                           "DTP_AvailableDiagnosticService", 1, 1);
+  EXPECT_THAT(TakeTraces(), ::testing::IsEmpty());
+
+  // Its association table is CIM's: references are served.
+  CMPIAssociationMI* association =
+      OwnElementsPlugin_Create_AssociationMI(scope.broker(), scope.context(), nullptr);
+  CMPIResult* references = scope.newResult();
+  EXPECT_EQ(association->ft
+                ->references(association, scope.context(), references,
+                             scope.objectPath("DTP_Device.CreationClassName=\"DTP_Device\","
+                                              "DeviceID=\"own0\",SystemCreationClassName="
+                                              "\"TORSK_ComputerSystem\",SystemName="
+                                              "\"testhost.example\""),
+                             nullptr, nullptr, nullptr)
+                .rc,
+            CMPI_RC_OK);
+  EXPECT_EQ(scope.recorded(references).instances().size(), 1U);
 }
 
 }  // namespace

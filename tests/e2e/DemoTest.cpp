@@ -49,7 +49,8 @@ TEST(DemoTest, ShowsEverySectionAndRunsEachServiceOnEachFileSystem) {
   EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticService {"), 2U);
   EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticSettingData {"), 2U);
   EXPECT_EQ(Count(demo.out, "instance of FSD_FileSystemDiagnosticCapabilities {"), 2U);
-  EXPECT_EQ(Count(demo.out, "instance of FSD_AvailableDiagnosticService {"), 2 * fileSystems);
+  // Listed once, then once per service it is available to.
+  EXPECT_EQ(Count(demo.out, "\n//localhost/root/cimv2:FSD_MountedFileSystem."), 3 * fileSystems);
   EXPECT_EQ(Count(demo.out, "instance of FSD_MountedFileSystem {"), 1U);
 
   // Passed (or skipped) and failed records, the failed ones saying why.

@@ -103,17 +103,18 @@ std::string Masked(const std::string& text, const std::string& systemName) {
   return ReplaceAll(masked, R"(")" + systemName + R"(")", R"("@SYSTEM@")");
 }
 
+// Keys in the classes' declaration order (inherited Name first for a
+// service), as the provider's instances give their paths.
 std::string ServicePath(const std::string& serviceName) {
-  return R"(FSD_FileSystemDiagnosticService.CreationClassName="FSD_FileSystemDiagnosticService",)"
-         R"(Name=")" +
-         serviceName + R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" +
-         HostName() + R"(")";
+  return R"(FSD_FileSystemDiagnosticService.Name=")" + serviceName +
+         R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" + HostName() +
+         R"(",CreationClassName="FSD_FileSystemDiagnosticService")";
 }
 
 std::string FileSystemPath(const std::string& deviceId) {
-  return R"(FSD_MountedFileSystem.CreationClassName="FSD_MountedFileSystem",DeviceID=")" +
-         deviceId + R"(",SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" +
-         HostName() + R"(")";
+  return R"(FSD_MountedFileSystem.SystemCreationClassName="TORSK_ComputerSystem",SystemName=")" +
+         HostName() + R"(",CreationClassName="FSD_MountedFileSystem",DeviceID=")" + deviceId +
+         R"(")";
 }
 
 void ExpectGolden(const std::string& actual, const std::string& name) {

@@ -12,11 +12,11 @@ namespace e2e {
 namespace {
 
 const char* const kService =
-    "DTP_DiagService.CreationClassName=\"DTP_DiagService\",Name=\"%s\","
-    "SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+    "DTP_DiagService.Name=\"%s\",SystemCreationClassName=\"TORSK_ComputerSystem\","
+    "SystemName=\"testhost.example\",CreationClassName=\"DTP_DiagService\"";
 const char* const kDevice =
-    "DTP_Device.CreationClassName=\"DTP_Device\",DeviceID=\"%s\","
-    "SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\"";
+    "DTP_Device.SystemCreationClassName=\"TORSK_ComputerSystem\",SystemName=\"testhost.example\","
+    "CreationClassName=\"DTP_Device\",DeviceID=\"%s\"";
 
 std::string Fill(const char* pattern, const std::string& name) {
   std::string text = pattern;

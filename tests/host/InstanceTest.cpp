@@ -153,7 +153,23 @@ TEST_F(InstanceTest, TheObjectPathIsTheCreationPathsHostAndNamespaceWithCurrentK
   flag.boolean = 0;
   keyed->ft->setProperty(keyed, "Flag", &flag, CMPI_boolean);
   EXPECT_EQ(pathText(keyed->ft->getObjectPath(keyed, nullptr)),
-            R"(//somehost/root/cimv2:Test_Keyed.Flag=FALSE,Name="k\"1",Number=3)");
+            R"(//somehost/root/cimv2:Test_Keyed.Name="k\"1",Number=3,Flag=FALSE)");
+
+  // Declaration order, inherited keys first, whatever order they were set
+  // in; an override keeps the inherited key's place.
+  host_.loadMofText(R"(
+    class Test_MoreKeys : Test_Keyed { [Key] string Alpha; [Key, Override("Number")] uint32 Number; };
+  )",
+                    "more.mof");
+  CMPIInstance* more = instance("Test_MoreKeys");
+  CMPIValue number;
+  number.uint32 = 4;
+  more->ft->setProperty(more, "Number", &number, CMPI_uint32);
+  setString(more, "Alpha", "a");
+  more->ft->setProperty(more, "Flag", &flag, CMPI_boolean);
+  setString(more, "Name", "n");
+  EXPECT_EQ(pathText(more->ft->getObjectPath(more, nullptr)),
+            R"(root/cimv2:Test_MoreKeys.Name="n",Number=4,Flag=FALSE,Alpha="a")");
 }
 
 TEST_F(InstanceTest, CloneIsADeepCopyOwnedByTheCaller) {

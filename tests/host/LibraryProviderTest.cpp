@@ -49,8 +49,8 @@ class LibraryProviderTest : public HostTest {
 TEST_F(LibraryProviderTest, AFunctionTheMiLacksIsAnsweredByTheHost) {
   host_.registerLibraryProvider(KeyedRegistration("TestNamed"), kProviderDir + "/libtestnamed.so");
   EXPECT_EQ(host_.enumerateInstanceNames("root/cimv2", "Test_Keyed").paths(),
-            (std::vector<std::string>{R"(root/cimv2:Test_Keyed.Flag=TRUE,Name="n1",Number=1)",
-                                      R"(root/cimv2:Test_Keyed.Flag=TRUE,Name="n2",Number=2)"}));
+            (std::vector<std::string>{R"(root/cimv2:Test_Keyed.Name="n1",Number=1,Flag=TRUE)",
+                                      R"(root/cimv2:Test_Keyed.Name="n2",Number=2,Flag=TRUE)"}));
   const Reply deleted = host_.deleteInstance(R"(Test_Keyed.Name="n1")");
   EXPECT_EQ(deleted.status.rc, CMPI_RC_ERR_NOT_SUPPORTED);
   EXPECT_EQ(deleted.status.message,
@@ -112,7 +112,7 @@ TEST_F(LibraryProviderTest, ARegistrationFileRegistersEachStanza) {
   // The first stanza listed two namespaces: the same provider serves both.
   const Reply other = host_.enumerateInstances("root/other", "Test_Keyed");
   EXPECT_EQ(other.status.rc, CMPI_RC_OK);
-  EXPECT_EQ(other.instances().at(0).path, R"(root/other:Test_Keyed.Flag=TRUE,Name="n1",Number=1)");
+  EXPECT_EQ(other.instances().at(0).path, R"(root/other:Test_Keyed.Name="n1",Number=1,Flag=TRUE)");
   EXPECT_EQ(notes(other), (std::vector<std::string>{"named", "named"}));
 }
 

@@ -11,7 +11,8 @@ TEST_F(PathTextTest, KeysAreTypedFromTheDeclaration) {
   CMPIObjectPath* parsed =
       scope_->objectPath(R"(//h/root/cimv2:test_keyed.number=5,NAME="a\"b\\c",Flag=true)");
   ASSERT_NE(parsed, nullptr);
-  EXPECT_EQ(pathText(parsed), R"(//h/root/cimv2:Test_Keyed.Flag=TRUE,Name="a\"b\\c",Number=5)");
+  // The keys stay in the order written: a provider gets them as the client sent them.
+  EXPECT_EQ(pathText(parsed), R"(//h/root/cimv2:Test_Keyed.Number=5,Name="a\"b\\c",Flag=TRUE)");
   EXPECT_EQ(parsed->ft->getKey(parsed, "Number", nullptr).type, CMPI_uint32);
   EXPECT_EQ(parsed->ft->getKey(parsed, "Flag", nullptr).type, CMPI_boolean);
 
@@ -27,7 +28,7 @@ TEST_F(PathTextTest, KeysAreTypedFromTheDeclaration) {
   ASSERT_NE(link, nullptr);
   const CMPIData left = link->ft->getKey(link, "Left", nullptr);
   ASSERT_EQ(left.type, CMPI_ref);
-  EXPECT_EQ(pathText(left.value.ref), R"(root/cimv2:Test_Keyed.Flag=FALSE,Name="l",Number=1)");
+  EXPECT_EQ(pathText(left.value.ref), R"(root/cimv2:Test_Keyed.Name="l",Number=1,Flag=FALSE)");
 }
 
 TEST_F(PathTextTest, KeysOfUnknownClassesTakeTheLiteralsTypes) {

@@ -22,6 +22,10 @@ struct TestProvider {
   CMPIrc factoryRc = CMPI_RC_OK;
   bool factoryReturnsNull = false;
   CMPIrc answer = CMPI_RC_OK;  // what requests answer
+  // What an idle (not terminating) cleanup answers: of the MI of this kind
+  // ("Instance", "Method", "Association"), or of every MI when empty.
+  CMPIrc idleAnswer = CMPI_RC_OK;
+  std::string idleRefuser;
   bool throwInRequests = false;
   CMPIInstanceMI instanceMI{};
   CMPIMethodMI methodMI{};
@@ -89,6 +93,11 @@ CMPIStatus Cleanup(MI* mi, const CMPIContext*, CMPIBoolean terminating) {
                                                         : "Association";
   Note(provider, "cleanup", kind,
        {terminating != 0 ? "terminating" : "idle", scoped ? "scoped" : "unscoped"});
+  if (terminating == 0 && provider.idleAnswer != CMPI_RC_OK &&
+      (provider.idleRefuser.empty() || provider.idleRefuser == kind)) {
+    return CMPIStatus{provider.idleAnswer,
+                      provider.broker->eft->newString(provider.broker, "busy", nullptr)};
+  }
   return CMPIStatus{CMPI_RC_OK, nullptr};
 }
 
@@ -321,6 +330,35 @@ TEST_F(ProviderDispatchTest, StaticInstancesAreServedWithTheirDeclaredTypesAndDe
   EXPECT_EQ(instances[1].find("Value")->uint, 3u);  // the class default
   EXPECT_EQ(instances[2].path, R"(root/cimv2:Test_StaticChild.Name="child")");
   EXPECT_EQ(host_.getInstance(R"(Test_Static.Name="none")").status.rc, CMPI_RC_ERR_NOT_FOUND);
+
+  // The host finds an object by its keys as a set: any order, any case of
+  // the key names, down into reference keys.
+  host_.loadMofText(R"(
+    [Association] class Test_StaticPair { [Key] string A; [Key] Test_Keyed REF B; };
+    instance of Test_StaticPair { A = "a"; B = "Test_Keyed.Name=\"n\",Number=1"; };
+  )",
+                    "pair.mof");
+  const struct {
+    const char* path;
+    CMPIrc rc;
+  } gets[] = {
+      {R"(Test_StaticPair.A="a",B="Test_Keyed.Name=\"n\",Number=1")", CMPI_RC_OK},
+      {R"(Test_StaticPair.b="Test_Keyed.NUMBER=1,name=\"n\"",a="a")", CMPI_RC_OK},
+      {R"(Test_StaticPair.B="Test_Keyed.Number=2,Name=\"n\"",A="a")", CMPI_RC_ERR_NOT_FOUND},
+      {R"(Test_StaticPair.B="Test_Keyed.Number=1",A="a")", CMPI_RC_ERR_NOT_FOUND},
+      {R"(Test_StaticPair.B="Test_Keyed.Name=\"n\",Number=1")", CMPI_RC_ERR_NOT_FOUND},
+  };
+  for (const auto& get : gets) {
+    const Reply reply = host_.getInstance(get.path);
+    EXPECT_EQ(reply.status.rc, get.rc) << get.path;
+    if (get.rc == CMPI_RC_OK) {
+      ASSERT_EQ(reply.instances().size(), 1u) << get.path;
+      // What the host hands back is the instance's own path, in declaration order.
+      EXPECT_EQ(
+          reply.instances()[0].path,
+          R"(root/cimv2:Test_StaticPair.A="a",B="root/cimv2:Test_Keyed.Name=\"n\",Number=1")");
+    }
+  }
 }
 
 TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances) {
@@ -331,8 +369,12 @@ TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances)
   ASSERT_EQ(rc.rc, CMPI_RC_OK);
   std::vector<std::string> names;
   while (statics->ft->hasNext(statics, nullptr) != 0) {
-    const CMPIData item = statics->ft->getNext(statics, nullptr);
+    const CMPIData item = statics->ft->getNext(statics, &rc);
+    // As OpenPegasus hands them: a good instance with the null state set.
+    ASSERT_EQ(rc.rc, CMPI_RC_OK);
     ASSERT_EQ(item.type, CMPI_instance);
+    EXPECT_EQ(item.state, CMPI_nullValue);
+    ASSERT_NE(item.value.inst, nullptr);
     names.push_back(
         Text(item.value.inst->ft->getProperty(item.value.inst, "Name", nullptr).value.string));
   }
@@ -343,10 +385,18 @@ TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances)
   CMPIEnumeration* served =
       broker_->bft->enumerateInstanceNames(broker_, scope_->context(), path("Test_Keyed"), &rc);
   ASSERT_EQ(rc.rc, CMPI_RC_OK);
+  CMPIEnumeration* copy = served->ft->clone(served, nullptr);
+  const CMPIData name = copy->ft->getNext(copy, nullptr);
+  EXPECT_EQ(name.type, CMPI_ref);
+  EXPECT_EQ(name.state, CMPI_nullValue);
+  EXPECT_EQ(pathText(name.value.ref), R"(root/cimv2:Test_KeyedChild.Name="P0")");
+  copy->ft->release(copy);
+  // toArray's elements are the array's own: good values.
   const CMPIArray* array = served->ft->toArray(served, nullptr);
   ASSERT_EQ(array->ft->getSize(array, nullptr), 1u);
   EXPECT_EQ(pathText(array->ft->getElementAt(array, 0, nullptr).value.ref),
             R"(root/cimv2:Test_KeyedChild.Name="P0")");
+  EXPECT_EQ(array->ft->getElementAt(array, 0, nullptr).state, CMPI_goodValue);
 
   CMPIEnumeration* unknown = broker_->bft->enumerateInstances(
       broker_, scope_->context(), path("TORSK_ComputerSystem"), nullptr, &rc);
@@ -362,10 +412,13 @@ TEST_F(ProviderDispatchTest, UpcallEnumerationsServeProvidersAndStaticInstances)
 
 TEST_F(ProviderDispatchTest, InstanceRequestsGoToTheNearestAncestorWithAProvider) {
   registerAs<0>({"Test_Keyed"}, true);
-  const Reply got = host_.getInstance(R"(Test_KeyedChild.Name="c",Number=2)");
+  // The provider gets the keys in the order written; the instance it makes
+  // of that path gives them in the class's order.
+  const Reply got = host_.getInstance(R"(Test_KeyedChild.Number=2,Name="c")");
   EXPECT_EQ(got.status.rc, CMPI_RC_OK);
   ASSERT_EQ(got.instances().size(), 1u);
   EXPECT_EQ(got.instances()[0].className, "Test_KeyedChild");
+  EXPECT_EQ(got.instances()[0].path, R"(root/cimv2:Test_KeyedChild.Name="c",Number=2)");
   EXPECT_EQ(got.instances()[0].find("Number")->uint, 2u);
 
   const Reply created = host_.createInstance(
@@ -373,7 +426,7 @@ TEST_F(ProviderDispatchTest, InstanceRequestsGoToTheNearestAncestorWithAProvider
   EXPECT_EQ(created.paths(),
             std::vector<std::string>{R"(root/cimv2:Test_KeyedChild.Name="new",Number=9)"});
   EXPECT_EQ(Calls(), (std::vector<std::string>{
-                         R"(P0.getInstance root/cimv2:Test_KeyedChild.Name="c",Number=2)",
+                         R"(P0.getInstance root/cimv2:Test_KeyedChild.Number=2,Name="c")",
                          "P0.createInstance Test_KeyedChild a note 9",
                      }));
 }
@@ -486,6 +539,84 @@ TEST_F(ProviderDispatchTest, DestroyingTheHostCleansUpEveryCreatedMiInAScope) {
                          "P0.cleanup Method terminating scoped",
                          "P1.cleanup Instance terminating scoped",
                          "P0.cleanup Instance terminating scoped",
+                     }));
+}
+
+// A CIMOM's idle sweep: a provider is unloaded only when every one of its
+// MIs agrees; an unloaded one is created anew by the next request.
+TEST_F(ProviderDispatchTest, AnIdleUnloadDropsOnlyProvidersWhoseMisAllAgree) {
+  gProviders[1].idleAnswer = CMPI_RC_NEVER_UNLOAD;
+  gProviders[2].idleAnswer = CMPI_RC_DO_NOT_UNLOAD;
+  gProviders[2].idleRefuser = "Method";
+  {
+    Host host;
+    host.loadMof(HOST_TEST_MOF);
+    host.captureLog(true);
+    host.registerProvider(Registration("P0", {"Test_Keyed"}, true, true), FactoriesOf<0>());
+    host.registerProvider(Registration("P1", {"Test_Keyed"}, true), FactoriesOf<1>());
+    host.registerProvider(Registration("P2", {"Test_KeyedChild"}, true, true), FactoriesOf<2>());
+    EXPECT_TRUE(host.unloadIdleProviders().empty());  // nothing created yet
+    host.activateProviders();
+    ClearCalls();
+
+    const std::vector<UnloadAnswer> answers = host.unloadIdleProviders();
+    const struct {
+      const char* provider;
+      const char* kind;
+      CMPIrc rc;
+      bool unloaded;
+    } expected[] = {
+        {"P0", "Instance", CMPI_RC_OK, true},
+        {"P0", "Method", CMPI_RC_OK, true},
+        {"P1", "Instance", CMPI_RC_NEVER_UNLOAD, false},
+        {"P2", "Instance", CMPI_RC_OK, false},
+        {"P2", "Method", CMPI_RC_DO_NOT_UNLOAD, false},
+    };
+    ASSERT_EQ(answers.size(), std::size(expected));
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+      EXPECT_EQ(answers[i].providerName, expected[i].provider) << i;
+      EXPECT_EQ(answers[i].kind, expected[i].kind) << i;
+      EXPECT_EQ(answers[i].status.rc, expected[i].rc) << i;
+      EXPECT_EQ(answers[i].status.message, expected[i].rc == CMPI_RC_OK ? "" : "busy") << i;
+      EXPECT_EQ(answers[i].unloaded, expected[i].unloaded) << i;
+    }
+    EXPECT_EQ(Calls(), (std::vector<std::string>{
+                           "P0.cleanup Instance idle scoped",
+                           "P0.cleanup Method idle scoped",
+                           "P1.cleanup Instance idle scoped",
+                           "P2.cleanup Instance idle scoped",
+                           "P2.cleanup Method idle scoped",
+                       }));
+    std::vector<std::string> logged;
+    for (const LogRecord& record : host.logRecords()) {
+      EXPECT_EQ(record.severity, CMPI_SEV_INFO);
+      EXPECT_EQ(record.id, "cmpihost");
+      logged.push_back(record.text);
+    }
+    EXPECT_EQ(logged,
+              (std::vector<std::string>{
+                  "idle unload: provider P0, Instance MI cleanup answered CMPI_RC_OK; unloaded",
+                  "idle unload: provider P0, Method MI cleanup answered CMPI_RC_OK; unloaded",
+                  "idle unload: provider P1, Instance MI cleanup answered CMPI_RC_NEVER_UNLOAD "
+                  "(busy); stays loaded",
+                  "idle unload: provider P2, Instance MI cleanup answered CMPI_RC_OK; stays loaded",
+                  "idle unload: provider P2, Method MI cleanup answered CMPI_RC_DO_NOT_UNLOAD "
+                  "(busy); stays loaded",
+              }));
+
+    // The next request creates P0's instance MI anew; the others keep theirs.
+    EXPECT_EQ(host.enumerateInstances("root/cimv2", "Test_Keyed").status.rc, CMPI_RC_OK);
+    EXPECT_EQ(gProviders[0].factoryCalls, 3);
+    EXPECT_EQ(gProviders[1].factoryCalls, 1);
+    EXPECT_EQ(gProviders[2].factoryCalls, 2);
+    ClearCalls();
+  }
+  // Closing the host cleans up only the MIs alive now, newest first.
+  EXPECT_EQ(Calls(), (std::vector<std::string>{
+                         "P0.cleanup Instance terminating scoped",
+                         "P2.cleanup Method terminating scoped",
+                         "P2.cleanup Instance terminating scoped",
+                         "P1.cleanup Instance terminating scoped",
                      }));
 }
 

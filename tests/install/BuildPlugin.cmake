@@ -73,8 +73,8 @@ set(cmpihost ${run_env} "${PREFIX}/bin/cmpihost"
   --providers "${PLUGIN_SOURCE}/tinydiag.reg"
   --lib-dir "${build_dir}")
 set(system [[SystemCreationClassName="TORSK_ComputerSystem",SystemName="tinyhost.example"]])
-set(service "TINY_DiagService.CreationClassName=\"TINY_DiagService\",Name=\"PathExists\",${system}")
-set(root "ManagedElement=TINY_Path.CreationClassName=\"TINY_Path\",DeviceID=\"/\",${system}")
+set(service "TINY_DiagService.Name=\"PathExists\",${system},CreationClassName=\"TINY_DiagService\"")
+set(root "ManagedElement=TINY_Path.${system},CreationClassName=\"TINY_Path\",DeviceID=\"/\"")
 
 run_step("cmpihost ei TINY_DiagService" ${cmpihost} ei TINY_DiagService)
 expect_in("ei TINY_DiagService" "${step_output}"

@@ -18,6 +18,9 @@ std::string Base() {
 class Test_Thing : Test_Element { };
 [Association] class Test_Link { [Key] Test_Element REF Left; [Key] Test_Element REF Right; };
 instance of Test_Thing as $known { Id = "known"; };
+class Test_Pair { [Key] string A; [Key] uint8 B; };
+[Association] class Test_PairLink { [Key] Test_Pair REF P; };
+instance of Test_PairLink { P = "//h.example/Root/Test:Test_Pair.A=\"x,y.z\",B=2"; };
 )";
 }
 
@@ -155,6 +158,12 @@ std::vector<BadInput> BadInputs() {
        "instance of \"Test_Thing\" gives no value for key property \"Id\""},
       {"duplicate instance", AfterGoodLine("instance of Test_Thing { Id = \"known\"; };"), 2, 1,
        "an instance with the same keys is already defined: Test_Thing.Id=\"known\""},
+      {"duplicate instance, its reference's keys in another order and case",
+       AfterGoodLine("instance of Test_PairLink { P = "
+                     "\"//h.example/root/test:test_pair.b=2,a=\\\"x,y.z\\\"\"; };"),
+       2, 1,
+       "an instance with the same keys is already defined: Test_PairLink.P="
+       "\"//h.example/root/test:test_pair.b=2,a=\\\"x,y.z\\\"\""},
       {"property given twice", AfterGoodLine("instance of Test_Thing { Id = \"a\"; ID = \"b\"; };"),
        2, 36, "property \"Id\" is given twice"},
       {"alias outside an instance", AfterGoodLine("class Bad { string S = $known; };"), 2, 24,

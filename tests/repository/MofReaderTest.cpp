@@ -213,7 +213,7 @@ TEST_F(MofReaderTest, InheritanceKeepsPositionsDefaultsAndPropagatingQualifiers)
   EXPECT_EQ(classNamed("Test_SubLink").keyProperties().size(), 2u);
 }
 
-TEST_F(MofReaderTest, StaticInstancesResolveAliasesToPathsWithSortedKeys) {
+TEST_F(MofReaderTest, StaticInstancesResolveAliasesToPathsWithKeysInDeclarationOrder) {
   reader_.loadText(R"(
     class Test_Thing { [Key] string Id; uint16 Count; };
     class Test_Multi { [Key] string zeta; [Key] uint32 Alpha; [Key] boolean beta;
@@ -240,10 +240,10 @@ TEST_F(MofReaderTest, StaticInstancesResolveAliasesToPathsWithSortedKeys) {
   };
   EXPECT_EQ(shown("test_thing"), Strings{"Test_Thing Id=\"a\"b\\c\" Count=7"});
   EXPECT_EQ(shown("Test_Link"),
-            (Strings{"Test_Link Right=ref \"Test_Multi.Alpha=5,beta=TRUE,Defaulted=\"d\","
-                     "zeta=\"n\"\" Left=ref \"Test_Thing.Id=\"a\\\"b\\\\c\"\"",
+            (Strings{"Test_Link Right=ref \"Test_Multi.zeta=\"n\",Alpha=5,beta=TRUE,"
+                     "Defaulted=\"d\"\" Left=ref \"Test_Thing.Id=\"a\\\"b\\\\c\"\"",
                      "Test_Link Left=ref \"Test_Thing.Id=\"z\"\" Right=ref "
-                     "\"Test_Multi.Alpha=5,beta=TRUE,Defaulted=\"d\",zeta=\"n\"\""}));
+                     "\"Test_Multi.zeta=\"n\",Alpha=5,beta=TRUE,Defaulted=\"d\"\""}));
   // Only exactly that class; subclasses have their own lists.
   EXPECT_EQ(repository_.staticInstances(kNamespace, "Test_Multi").size(), 1u);
   EXPECT_TRUE(repository_.staticInstances(kNamespace, "Nope").empty());

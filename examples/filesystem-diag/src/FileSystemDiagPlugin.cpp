@@ -157,5 +157,5 @@ void StartFileSystemDiag(const CMPIBroker* broker, const CMPIContext* context) {
 
 }  // namespace filesystemdiag
 
-DIAGCORE_PROVIDER(FileSystemElements, filesystemdiag::StartFileSystemElements);
-DIAGCORE_PROVIDER(FileSystemDiag, filesystemdiag::StartFileSystemDiag);
+DIAGCORE_CIM_PROVIDER(FileSystemElements, filesystemdiag::StartFileSystemElements);
+DIAGCORE_CIM_PROVIDER(FileSystemDiag, filesystemdiag::StartFileSystemDiag);

@@ -45,6 +45,14 @@ struct AssociationFilter {
   std::optional<std::string> resultRole;
 };
 
+// One MI's answer to an idle-unload sweep (Host::unloadIdleProviders).
+struct UnloadAnswer {
+  std::string providerName;
+  std::string kind;       // "Instance", "Method" or "Association"
+  Status status;          // what its cleanup returned
+  bool unloaded = false;  // every MI of the provider answered OK, so its MIs were dropped
+};
+
 class Host {
  public:
   Host();
@@ -79,6 +87,15 @@ class Host {
   // Creates every registered MI that has not been created yet; throws
   // HostError naming the provider, the kind and why it was refused.
   void activateProviders();
+  // What a CIMOM does to idle providers: calls each created MI's cleanup
+  // with terminating false. A provider whose MIs all answer CMPI_RC_OK is
+  // unloaded (its MIs are dropped, so the next request calls its factories
+  // again; the library stays open); one answering anything else, such as
+  // CMPI_RC_DO_NOT_UNLOAD or CMPI_RC_NEVER_UNLOAD, keeps its MIs as they
+  // are. Every answer is logged (id "cmpihost") and returned, provider by
+  // provider in the order of their first MI. Call it while no request is
+  // served, as a CIMOM unloads only an idle provider.
+  std::vector<UnloadAnswer> unloadIdleProviders();
 
   // --- default namespace ---
   // The namespace of path texts that name none (requests, reference values,

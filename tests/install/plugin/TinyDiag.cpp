@@ -67,4 +67,4 @@ void StartTinyDiag(const CMPIBroker* broker, const CMPIContext* context) {
 
 }  // namespace
 
-DIAGCORE_PROVIDER(TinyDiag, StartTinyDiag);
+DIAGCORE_CIM_PROVIDER(TinyDiag, StartTinyDiag);

@@ -18,11 +18,12 @@ namespace {
 
 const std::string kSystem =
     R"(SystemCreationClassName="TORSK_ComputerSystem",SystemName="tinyhost.example")";
+// Keys in the classes' declaration order, as the plug-in's instances give them.
 const std::string kService =
-    R"(TINY_DiagService.CreationClassName="TINY_DiagService",Name="PathExists",)" + kSystem;
+    R"(TINY_DiagService.Name="PathExists",)" + kSystem + R"(,CreationClassName="TINY_DiagService")";
 
 std::string PathElement(const std::string& path) {
-  return R"(TINY_Path.CreationClassName="TINY_Path",DeviceID=")" + path + "\"," + kSystem;
+  return "TINY_Path." + kSystem + R"(,CreationClassName="TINY_Path",DeviceID=")" + path + "\"";
 }
 
 // The host's "now": 2024-01-01 00:00:00, one second later at every reading,
