@@ -240,6 +240,9 @@ norm_paths() {
     }
     {
       line = $0; sub(/^http:\/\//, "", line)
+      # wbemcli prints a reference that names its host (OpenPegasus sends
+      # them so) without the colon before the class: "localhost/root/cimv2FSD_X"
+      while (match(line, /\/cimv2[A-Za-z_]/)) line = substr(line, 1, RSTART + 5) ":" substr(line, RSTART + 6)
       # the host (and port) before the namespace, when there is one: a
       # CIMOM may name the host in a reference it returns ("vm/root/cimv2:")
       if (match(line, /^[^\/:]*:[0-9]+\//)) line = substr(line, RLENGTH + 1)
