@@ -513,6 +513,8 @@ case_keyorder() {
   svc_of_e=$(grep -v '^\*' <<< "$OUT" | grep . | norm_paths)
   check "ain from an element gives services to compare with" test -n "$svc_of_e"
   assoc_is "ain from an element with its keys reversed" "$svc_of_e" ain "$(as_url "$re")"
+  assoc_count "ai from an element with its keys reversed" "$(lines "$svc_of_e")" \
+    FSD_FileSystemDiagnosticService ai "$(as_url "$re")"
   wbem rin "$(as_url "$s")"
   check "rin from a service gives associations to compare with" test "$RC" -eq 0 -a -n "$(grep -v '^\*' <<< "$OUT" | grep .)"
   assoc_is "rin from a service with its keys reversed" "$(grep -v '^\*' <<< "$OUT" | grep . | norm_paths)" rin "$(as_url "$rs")"
