@@ -1,5 +1,8 @@
 // The CMPI-signature MI functions that DIAGCORE_PROVIDER's tables hold: the
 // broker travels in the MI's hdl, set by the plug-in's factory.
+#include <string>
+
+#include "diagcore/CMPIUtil.h"
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagServiceProviderCim.h"
 #include "diagcore/DiagServiceProviderCommon.h"
@@ -11,6 +14,32 @@ namespace {
 template <typename Mi>
 const CMPIBroker* BrokerOf(const Mi* mi) {
   return mi != nullptr ? static_cast<const CMPIBroker*>(mi->hdl) : nullptr;
+}
+
+// The library's refusals carry no message; a client of a deployed plug-in
+// (wbemcli prints only the code) is told why. A status that has a message
+// already, or no failure, is passed on as it is.
+CMPIStatus Explained(const CMPIBroker* broker, CMPIStatus status, const std::string& why) {
+  if (status.rc == CMPI_RC_OK || status.msg != nullptr || broker == nullptr) {
+    return status;
+  }
+  status.msg = broker->eft->newString(broker, why.c_str(), nullptr);
+  return status;
+}
+
+const char* const kReferencesRefused =
+    "Reference requests are not supported by this provider (DIAGCORE_PROVIDER); "
+    "DIAGCORE_CIM_PROVIDER serves them";
+
+std::string PathText(const CMPIObjectPath* path) {
+  return path != nullptr ? CMPIUtil::GetObjectPathString(path) : std::string("(no path)");
+}
+
+CMPIStatus ReadOnly(const CMPIBroker* broker, CMPIStatus status, const char* operation) {
+  return Explained(broker, status,
+                   std::string(operation) +
+                       " is not supported: this provider's objects are made by the provider "
+                       "and its diagnostic runs only");
 }
 
 // Every object the plug-in serves lives only in this process: a CIMOM that
@@ -52,25 +81,34 @@ CMPIStatus GetInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMP
 
 CMPIStatus CreateInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
                           const CMPIObjectPath* path, const CMPIInstance* instance) {
-  return DiagServiceProviderCommonCreateInstance(BrokerOf(mi), mi, context, result, path, instance);
+  return ReadOnly(
+      BrokerOf(mi),
+      DiagServiceProviderCommonCreateInstance(BrokerOf(mi), mi, context, result, path, instance),
+      "CreateInstance");
 }
 
 CMPIStatus ModifyInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
                           const CMPIObjectPath* path, const CMPIInstance* instance,
                           const char** properties) {
-  return DiagServiceProviderCommonModifyInstance(BrokerOf(mi), mi, context, result, path, instance,
-                                                 properties);
+  return ReadOnly(BrokerOf(mi),
+                  DiagServiceProviderCommonModifyInstance(BrokerOf(mi), mi, context, result, path,
+                                                          instance, properties),
+                  "ModifyInstance");
 }
 
 CMPIStatus DeleteInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
                           const CMPIObjectPath* path) {
-  return DiagServiceProviderCommonDeleteInstance(BrokerOf(mi), mi, context, result, path);
+  return ReadOnly(BrokerOf(mi),
+                  DiagServiceProviderCommonDeleteInstance(BrokerOf(mi), mi, context, result, path),
+                  "DeleteInstance");
 }
 
 CMPIStatus ExecQuery(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
                      const CMPIObjectPath* reference, const char* query, const char* language) {
-  return DiagServiceProviderCommonExecQuery(BrokerOf(mi), mi, context, result, reference, query,
-                                            language);
+  return Explained(BrokerOf(mi),
+                   DiagServiceProviderCommonExecQuery(BrokerOf(mi), mi, context, result, reference,
+                                                      query, language),
+                   "ExecQuery is not supported: enumerate the class instead");
 }
 
 CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext* context, CMPIBoolean terminating) {
@@ -82,8 +120,16 @@ CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext* context, CMPIBoole
 CMPIStatus InvokeMethod(CMPIMethodMI* mi, const CMPIContext* context, const CMPIResult* result,
                         const CMPIObjectPath* path, const char* methodName, const CMPIArgs* in,
                         CMPIArgs* out) {
-  return DiagServiceProviderCommonInvokeMethod(BrokerOf(mi), mi, context, result, path, methodName,
-                                               in, out);
+  const CMPIStatus status = DiagServiceProviderCommonInvokeMethod(BrokerOf(mi), mi, context, result,
+                                                                  path, methodName, in, out);
+  const std::string method = methodName != nullptr ? methodName : "";
+  if (status.rc == CMPI_RC_ERR_NOT_FOUND) {
+    return Explained(BrokerOf(mi), status, "No object of this provider at " + PathText(path));
+  }
+  if (status.rc == CMPI_RC_ERR_METHOD_NOT_FOUND) {
+    return Explained(BrokerOf(mi), status, "No method " + method + " on " + PathText(path));
+  }
+  return status;
 }
 
 CMPIStatus AssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* context,
@@ -112,15 +158,19 @@ CMPIStatus AssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
 CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext* context, const CMPIResult* result,
                       const CMPIObjectPath* source, const char* resultClass, const char* role,
                       const char** properties) {
-  return DiagServiceProviderCommonReferences(BrokerOf(mi), mi, context, result, source, resultClass,
-                                             role, properties);
+  return Explained(BrokerOf(mi),
+                   DiagServiceProviderCommonReferences(BrokerOf(mi), mi, context, result, source,
+                                                       resultClass, role, properties),
+                   kReferencesRefused);
 }
 
 CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
                           const CMPIResult* result, const CMPIObjectPath* source,
                           const char* resultClass, const char* role) {
-  return DiagServiceProviderCommonReferenceNames(BrokerOf(mi), mi, context, result, source,
-                                                 resultClass, role);
+  return Explained(BrokerOf(mi),
+                   DiagServiceProviderCommonReferenceNames(BrokerOf(mi), mi, context, result,
+                                                           source, resultClass, role),
+                   kReferencesRefused);
 }
 
 CMPIStatus CimAssociators(CMPIAssociationMI* mi, const CMPIContext* context,

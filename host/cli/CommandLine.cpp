@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +17,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "cli/Request.h"
+#include "cli/Scaffold.h"
 #include "cli/ScriptRunner.h"
 #include "cli/Session.h"
 #include "cli/TextFormatter.h"
@@ -30,11 +33,12 @@ namespace {
 
 // What the words after the options ask for.
 struct Plan {
-  enum class Kind { kRequest, kScriptFile, kStandardInput };
+  enum class Kind { kRequest, kScriptFile, kStandardInput, kScaffold };
   Kind kind = Kind::kRequest;
   Request request;
   std::string scriptPath;
   std::string scriptText;
+  std::vector<std::string> scaffold;  // PREFIX DIR
 };
 
 std::string ReadScript(const std::string& path) {
@@ -42,9 +46,11 @@ std::string ReadScript(const std::string& path) {
   if (std::filesystem::is_directory(path, ignored)) {
     throw UsageError("run: cannot read the script " + path + ": it is a directory");
   }
+  errno = 0;
   std::ifstream file(path);
   if (!file) {
-    throw UsageError("run: cannot open the script " + path);
+    throw UsageError("run: cannot open the script " + path + ": " +
+                     (errno != 0 ? std::strerror(errno) : "unknown reason"));
   }
   std::ostringstream text;
   text << file.rdbuf();
@@ -80,6 +86,16 @@ Plan MakePlan(const std::vector<std::string>& words) {
     plan.kind = Plan::Kind::kScriptFile;
     plan.scriptPath = words[1];
     plan.scriptText = ReadScript(plan.scriptPath);
+  } else if (verb.verb == Verb::kNew) {
+    if (words.size() != 3) {
+      throw UsageError(std::string("new: ") +
+                       (words.size() < 3
+                            ? std::string(words.size() < 2 ? "missing PREFIX" : "missing DIR")
+                            : "unexpected argument \"" + words[3] + "\"") +
+                       " (usage: cmpihost new PREFIX DIR)");
+    }
+    plan.kind = Plan::Kind::kScaffold;
+    plan.scaffold = {words[1], words[2]};
   } else {
     plan.request = ParseRequest(words);
   }
@@ -150,6 +166,10 @@ int Run(const Options& options) {
     return 0;
   }
   const Plan plan = MakePlan(options.words);
+  if (plan.kind == Plan::Kind::kScaffold) {
+    std::cout << WriteScaffold(plan.scaffold[0], plan.scaffold[1]);
+    return 0;
+  }
   const TextFormatter text;
   const JsonFormatter json;
   const Formatter& formatter = options.json ? static_cast<const Formatter&>(json) : text;
@@ -157,7 +177,10 @@ int Run(const Options& options) {
   Progress progress(std::cerr, ProgressMode(options, plan));
   Session session;
   if (options.trace) {
-    session.host().onLog([&progress](const LogRecord& record) {
+    session.host().onLog([&progress, &options](const LogRecord& record) {
+      if (LevelOf(record) > options.traceLevel) {
+        return;
+      }
       progress.clear();
       std::cout << std::flush;
       std::cerr << TraceLine(record) << '\n';
@@ -170,19 +193,29 @@ int Run(const Options& options) {
   return RunScript(session, formatter, progress, plan);
 }
 
+// With --json, an error is also a document on standard output, so that a
+// program that reads the output sees why there is no answer.
+int Refused(bool json, const std::string& message, int exitCode) {
+  if (json) {
+    std::cout << JsonFormatter().failure(nullptr, message);
+  }
+  std::cout << std::flush;
+  std::cerr << "cmpihost: " << message << '\n';
+  return exitCode;
+}
+
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv) {
+  bool json = false;
   try {
-    return Run(ParseOptions(argc, argv));
+    const Options options = ParseOptions(argc, argv);
+    json = options.json;
+    return Run(options);
   } catch (const UsageError& error) {
-    std::cout << std::flush;
-    std::cerr << "cmpihost: " << error.what() << '\n';
-    return 2;
+    return Refused(json, error.what(), 2);
   } catch (const std::exception& error) {
-    std::cout << std::flush;
-    std::cerr << "cmpihost: unexpected error: " << error.what() << '\n';
-    return 1;
+    return Refused(json, std::string("unexpected error: ") + error.what(), 1);
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "broker/PathText.h"
@@ -24,30 +25,26 @@ bool SameName(const std::string& a, const std::string& b) {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
 }
 
-// "<Operation> failed: NAME (code): message". The library's entry points
-// begin their own messages with "<Operation> failed: ", which is said once.
-std::string Failure(const VerbInfo& verb, const Status& status) {
+// Sets the outcome's failure: "<Operation> failed: NAME (code): message".
+// The library's entry points begin their own messages with
+// "<Operation> failed: ", which is said once.
+void SetFailure(Outcome& outcome, const VerbInfo& verb, const Status& status) {
   const std::string failed = std::string(verb.operation) + " failed: ";
-  std::string text = failed + CmpiStatusName(status.rc) + " (" + std::to_string(status.rc) + ")";
   std::string message = status.hasMessage ? status.message : std::string();
   if (message.compare(0, failed.size(), failed) == 0) {
     message.erase(0, failed.size());
   }
+  outcome.failure = failed + CmpiStatusName(status.rc) + " (" + std::to_string(status.rc) + ")";
   if (!message.empty()) {
-    text += ": " + message;
+    outcome.failure += ": " + message;
   }
-  return text;
+  outcome.failureCode = status.rc;
+  outcome.failureMessage = message;
 }
 
 Outcome Printed(std::string output) {
   Outcome outcome;
   outcome.output = std::move(output);
-  return outcome;
-}
-
-Outcome Failed(std::string failure) {
-  Outcome outcome;
-  outcome.failure = std::move(failure);
   return outcome;
 }
 
@@ -106,6 +103,26 @@ const ParameterDecl& RequireInputParameter(const ClassDecl& decl, const MethodDe
                    (known.empty() ? " (it takes none)" : " (its input parameters: " + known + ")"));
 }
 
+// A path reaches the provider only with every key of its class, since a
+// provider cannot find an object by part of its keys and would answer with
+// a failure that does not say what the path lacks.
+void RequireAllKeys(const std::string& text, const ClassDecl& decl,
+                    const std::vector<PathSyntax::Key>& given) {
+  std::vector<std::string> missing;
+  for (const PropertyDecl* key : decl.keyProperties()) {
+    const bool present = std::any_of(given.begin(), given.end(), [&](const PathSyntax::Key& k) {
+      return SameName(k.name, key->name);
+    });
+    if (!present) {
+      missing.push_back(key->name);
+    }
+  }
+  if (!missing.empty()) {
+    throw UsageError("path '" + text + "' lacks " + (missing.size() == 1 ? "key " : "keys ") +
+                     NameList(missing) + " of class " + decl.name());
+  }
+}
+
 std::vector<Argument> CheckedArguments(const ClassDecl& decl, const MethodDecl& method,
                                        const std::vector<MethodArgument>& given) {
   std::vector<Argument> arguments;
@@ -128,7 +145,17 @@ Executor::Executor(Session& session, const Formatter& formatter)
 
 Outcome Executor::run(const Request& request) {
   try {
-    return dispatch(request);
+    Outcome outcome = dispatch(request);
+    // A failed request's document takes the place of what came before the
+    // failure, so that a program reads one answer per request.
+    const std::string document =
+        outcome.failure.empty() ? ""
+                                : formatter_.failure(&outcome.failureCode, outcome.failureMessage);
+    if (!document.empty()) {
+      outcome.output = document;
+      outcome.instances = false;
+    }
+    return outcome;
   } catch (const UsageError& error) {
     throw UsageError(std::string(request.verb->name) + ": " + error.what());
   } catch (const HostError& error) {
@@ -140,6 +167,8 @@ Outcome Executor::dispatch(const Request& request) {
   switch (request.verb->verb) {
     case Verb::kEnumerateClassNames:
       return enumerateClassNames(request);
+    case Verb::kGetClass:
+      return getClass(request);
     case Verb::kEnumerateInstances:
     case Verb::kEnumerateInstanceNames:
       return enumerateInstances(request);
@@ -177,6 +206,8 @@ void Executor::requireReference(const std::string& text, const std::string& refC
       throw UsageError("class " + decl->name() + " is neither " + refClass +
                        " (the declared reference class) nor a subclass of it");
     }
+    // Unlike the request's own path, a reference may lack keys: what a
+    // provider makes of such an element is the provider's to answer.
     requireReferenceKeys(text, *decl, nameSpace);
   } catch (const UsageError& error) {
     throw UsageError(what + ": " + error.what());
@@ -197,9 +228,17 @@ void Executor::requireReferenceKeys(const std::string& text, const ClassDecl& de
   }
 }
 
-Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly) const {
+void Executor::requireAssociation(const std::string& nameSpace, const std::string& className,
+                                  const char* option) const {
+  const ClassDecl* decl = session_.repository().findClass(nameSpace, className);
+  if (decl != nullptr && !decl->isAssociation()) {
+    throw UsageError(std::string(option) + " " + className + ": the class is not an association");
+  }
+}
+
+Executor::ClassTarget Executor::resolve(const std::string& text, TargetKind kind) const {
   const PathHead head = ReadPathHead(text);
-  if (classOnly && head.hasKeys) {
+  if (kind == TargetKind::kClass && head.hasKeys) {
     throw UsageError("expected a class name, not an instance path: " + text);
   }
   ClassTarget target;
@@ -209,6 +248,9 @@ Executor::ClassTarget Executor::resolve(const std::string& text, bool classOnly)
   target.text = text;
   if (head.hasKeys) {
     requireReferenceKeys(text, *target.decl, target.nameSpace);
+    RequireAllKeys(text, *target.decl, ParsePathSyntax(text).keys);
+  } else if (kind == TargetKind::kInstancePath) {
+    RequireAllKeys(text, *target.decl, {});
   }
   return target;
 }
@@ -221,7 +263,7 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
       throw UsageError("namespace " + session_.nameSpace() + " holds no classes");
     }
   } else {
-    const ClassTarget target = resolve(request.target, true);
+    const ClassTarget target = resolve(request.target, TargetKind::kClass);
     classes = session_.repository().classAndSubclasses(target.nameSpace, target.decl->name());
   }
   std::vector<std::string> names;
@@ -232,8 +274,13 @@ Outcome Executor::enumerateClassNames(const Request& request) const {
   return Printed(formatter_.classNames(names));
 }
 
+Outcome Executor::getClass(const Request& request) const {
+  const ClassTarget target = resolve(request.target, TargetKind::kClass);
+  return Printed(formatter_.classDeclaration(*target.decl));
+}
+
 Outcome Executor::enumerateInstances(const Request& request) {
-  const ClassTarget target = resolve(request.target, true);
+  const ClassTarget target = resolve(request.target, TargetKind::kClass);
   Host& host = session_.host();
   const bool names = request.verb->verb == Verb::kEnumerateInstanceNames;
   const Reply reply = names ? host.enumerateInstanceNames(target.nameSpace, target.decl->name())
@@ -244,7 +291,7 @@ Outcome Executor::enumerateInstances(const Request& request) {
 Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) const {
   Outcome outcome;
   if (reply.status.rc != CMPI_RC_OK) {
-    outcome.failure = Failure(verb, reply.status);
+    SetFailure(outcome, verb, reply.status);
   }
   // After a failure, what was delivered before it is still shown.
   if (names) {
@@ -263,11 +310,11 @@ Outcome Executor::listed(const VerbInfo& verb, const Reply& reply, bool names) c
 }
 
 Outcome Executor::getInstance(const Request& request) {
-  const ClassTarget target = resolve(request.target, false);
+  const ClassTarget target = resolve(request.target, TargetKind::kInstancePath);
   const Reply reply = session_.host().getInstance(target.text);
   Outcome outcome;
   if (reply.status.rc != CMPI_RC_OK) {
-    outcome.failure = Failure(*request.verb, reply.status);
+    SetFailure(outcome, *request.verb, reply.status);
   }
   const std::vector<InstanceSnapshot> instances = reply.instances();
   if (!instances.empty()) {
@@ -278,7 +325,7 @@ Outcome Executor::getInstance(const Request& request) {
 }
 
 Outcome Executor::invokeMethod(const Request& request) {
-  const ClassTarget target = resolve(request.target, false);
+  const ClassTarget target = resolve(request.target, TargetKind::kPath);
   const MethodDecl& method = RequireMethod(*target.decl, request.method);
   const std::vector<Argument> arguments = CheckedArguments(*target.decl, method, request.arguments);
   for (const Argument& argument : arguments) {
@@ -291,19 +338,29 @@ Outcome Executor::invokeMethod(const Request& request) {
   std::vector<Property> out;
   const Reply reply = session_.host().invokeMethod(target.text, method.name, arguments, &out);
   if (reply.status.rc != CMPI_RC_OK) {
-    return Failed(Failure(*request.verb, reply.status));
+    Outcome outcome;
+    SetFailure(outcome, *request.verb, reply.status);
+    return outcome;
   }
   const std::vector<Value> data = reply.data();
   return Printed(formatter_.methodResult(data.empty() ? nullptr : &data.front(), out));
 }
 
 Outcome Executor::associate(const Request& request) {
-  const ClassTarget target = resolve(request.target, false);
+  const ClassTarget target = resolve(request.target, TargetKind::kPath);
   const AssociationFilter& filter = request.filter;
   for (const auto* className : {&filter.assocClass, &filter.resultClass}) {
     if (className->has_value()) {
       requireClass(target.nameSpace, **className);
     }
+  }
+  const bool associators =
+      request.verb->verb == Verb::kAssociators || request.verb->verb == Verb::kAssociatorNames;
+  // ri and rin name the association by --result-class.
+  const auto& associationClass = associators ? filter.assocClass : filter.resultClass;
+  if (associationClass.has_value()) {
+    requireAssociation(target.nameSpace, *associationClass,
+                       associators ? "--assoc-class" : "--result-class");
   }
   Host& host = session_.host();
   Reply reply;
@@ -324,8 +381,6 @@ Outcome Executor::associate(const Request& request) {
       names = true;
   }
   Outcome outcome = listed(*request.verb, reply, names);
-  const bool associators =
-      request.verb->verb == Verb::kAssociators || request.verb->verb == Verb::kAssociatorNames;
   if (associators && !filter.assocClass && reply.status.rc == CMPI_RC_OK &&
       reply.instances().empty() && reply.paths().empty()) {
     outcome.hint = kNoAssocClassHint;

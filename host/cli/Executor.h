@@ -14,8 +14,10 @@
 namespace cmpihost::cli {
 
 struct Outcome {
-  std::string output;      // for standard output; may be empty
-  std::string failure;     // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  std::string output;               // for standard output; may be empty
+  std::string failure;              // "GetInstance failed: CMPI_RC_... (6): ...", empty on success
+  CMPIrc failureCode = CMPI_RC_OK;  // with `failure`: the rc and the provider's message
+  std::string failureMessage;
   std::string hint;        // advice for standard error about an answer that looks wrong
   bool instances = false;  // `output` shows instances (a script separates such runs)
 };
@@ -31,9 +33,16 @@ class Executor {
 
  private:
   struct ClassTarget;
-  // The class a CLASS (`classOnly`) or PATH argument names, which must exist.
-  ClassTarget resolve(const std::string& text, bool classOnly) const;
+  // What a verb's first argument must be: a class name; a path, which may
+  // be a bare class name (a static method, class-level associations) but
+  // when it has keys has all of them; or an instance path with all its keys.
+  enum class TargetKind { kClass, kPath, kInstancePath };
+  // The class the argument names, which must exist.
+  ClassTarget resolve(const std::string& text, TargetKind kind) const;
   void requireClass(const std::string& nameSpace, const std::string& className) const;
+  // A class that an association filter names must be an association.
+  void requireAssociation(const std::string& nameSpace, const std::string& className,
+                          const char* option) const;
   // A reference given as text (`what`: "argument X", "key Y") must name a
   // class the repository knows that is `refClass` or one of its subclasses;
   // its own reference keys are checked the same way. A text without a
@@ -46,6 +55,7 @@ class Executor {
 
   Outcome dispatch(const Request& request);
   Outcome enumerateClassNames(const Request& request) const;
+  Outcome getClass(const Request& request) const;
   Outcome enumerateInstances(const Request& request);
   Outcome getInstance(const Request& request);
   Outcome invokeMethod(const Request& request);

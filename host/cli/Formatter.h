@@ -10,6 +10,7 @@
 #include "cmpihost/Host.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
+#include "repository/ClassDecl.h"
 
 namespace cmpihost::cli {
 
@@ -24,6 +25,17 @@ class Formatter {
   // `returnValue` is null when the provider returned no data.
   virtual std::string methodResult(const Value* returnValue,
                                    const std::vector<Property>& outArguments) const = 0;
+  // A class with its keys, properties (own and inherited) and methods.
+  virtual std::string classDeclaration(const ClassDecl& decl) const = 0;
+  // A failed request or bad line for standard output, beside the error line
+  // on standard error: nothing as text; as JSON one document, so that a
+  // program reading the output sees every request's answer. `code` is the
+  // CMPI rc, null for bad usage or input (exit code 2).
+  virtual std::string failure(const CMPIrc* code, const std::string& message) const = 0;
+  // A script's mof, providers, lib-dir or namespace line that was done:
+  // nothing as text; as JSON {"DIRECTIVE": ARGUMENT}, so that every step
+  // of a script is one line.
+  virtual std::string directive(const std::string& name, const std::string& argument) const = 0;
   // A script's echo line.
   virtual std::string echo(const std::string& text) const = 0;
   // A script's unload-idle line: what each MI's cleanup answered.

@@ -84,7 +84,68 @@ std::string Strings(const std::vector<std::string>& texts) {
   return json.text() + "\n";
 }
 
+// The type as instances name it ("uint32", "string[]", "ref"), and for a
+// reference its class.
+void WriteType(JsonWriter& json, const TypeDecl& type) {
+  json.key("type").string(std::string(CimTypeName(type.type)) + (type.isArray ? "[]" : ""));
+  if (type.type == CimType::kReference) {
+    json.key("refClass").string(type.refClass);
+  }
+}
+
+void WriteMethod(JsonWriter& json, const MethodDecl& method) {
+  json.beginObject().key("returnType").string(CimTypeName(method.returnType.type));
+  json.key("parameters").beginArray();
+  for (const ParameterDecl& parameter : method.parameters) {
+    json.beginObject().key("name").string(parameter.name);
+    WriteType(json, parameter.type);
+    json.key("in").boolean(parameter.isIn).key("out").boolean(parameter.isOut).endObject();
+  }
+  json.endArray().endObject();
+}
+
 }  // namespace
+
+std::string JsonFormatter::classDeclaration(const ClassDecl& decl) const {
+  JsonWriter json;
+  json.beginObject().key("className").string(decl.name()).key("superClass");
+  if (decl.superName().empty()) {
+    json.null();
+  } else {
+    json.string(decl.superName());
+  }
+  json.key("association").boolean(decl.isAssociation());
+  json.key("abstract").boolean(decl.isAbstract());
+  json.key("keys").beginArray();
+  for (const PropertyDecl* key : decl.keyProperties()) {
+    json.string(key->name);
+  }
+  json.endArray().key("properties").beginObject();
+  for (const PropertyDecl& property : decl.properties()) {
+    json.key(property.name).beginObject();
+    WriteType(json, property.type);
+    json.key("key").boolean(property.isKey).endObject();
+  }
+  json.endObject().key("methods").beginObject();
+  for (const MethodDecl& method : decl.methods()) {
+    json.key(method.name);
+    WriteMethod(json, method);
+  }
+  json.endObject().endObject();
+  return json.text() + "\n";
+}
+
+std::string JsonFormatter::failure(const CMPIrc* code, const std::string& message) const {
+  JsonWriter json;
+  json.beginObject().key("error").beginObject().key("code");
+  if (code != nullptr) {
+    json.number(static_cast<std::int64_t>(*code)).key("name").string(CmpiStatusName(*code));
+  } else {
+    json.null().key("name").string("usage");
+  }
+  json.key("message").string(message).endObject().endObject();
+  return json.text() + "\n";
+}
 
 std::string JsonFormatter::classNames(const std::vector<std::string>& names) const {
   return Strings(names);
@@ -122,6 +183,12 @@ std::string JsonFormatter::methodResult(const Value* returnValue,
   json.key("outArguments");
   WriteNamedValues(json, outArguments);
   json.endObject();
+  return json.text() + "\n";
+}
+
+std::string JsonFormatter::directive(const std::string& name, const std::string& argument) const {
+  JsonWriter json;
+  json.beginObject().key(name).string(argument).endObject();
   return json.text() + "\n";
 }
 

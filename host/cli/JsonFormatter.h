@@ -15,6 +15,9 @@ class JsonFormatter : public Formatter {
   std::string instance(const InstanceSnapshot& instance) const override;
   std::string methodResult(const Value* returnValue,
                            const std::vector<Property>& outArguments) const override;
+  std::string classDeclaration(const ClassDecl& decl) const override;
+  std::string failure(const CMPIrc* code, const std::string& message) const override;
+  std::string directive(const std::string& name, const std::string& argument) const override;
   std::string echo(const std::string& text) const override;
   std::string unloadAnswers(const std::vector<UnloadAnswer>& answers) const override;
   std::string listingSeparator() const override;

@@ -18,7 +18,7 @@ struct MethodArgument {
 
 struct Request {
   const VerbInfo* verb = nullptr;
-  std::string target;  // CLASS (ecn, ei, ein; "" for ecn of the whole namespace) or PATH
+  std::string target;  // CLASS (ecn, gc, ei, ein; "" for ecn of the whole namespace) or PATH
   std::string method;  // cm
   std::vector<MethodArgument> arguments;  // cm, in the order given
   AssociationFilter filter;               // ai, ain, ri, rin

@@ -119,6 +119,7 @@ int ScriptRunner::run(std::istream& in, const ScriptSource& source) {
       progress_.clear();
       out_ << std::flush;
       err_ << "cmpihost: " << where << ": " << error.what() << '\n';
+      out_ << formatter_.failure(nullptr, where + ": " + error.what()) << std::flush;
       if (source.stopOnBadLine) {
         return 2;
       }
@@ -163,24 +164,35 @@ bool ScriptRunner::runDirective(const std::vector<std::string>& words, const Scr
   if (directive == "echo") {
     progress_.clear();
     showed(formatter_.echo(Joined(words, 1)), false);
-  } else if (directive == "mof") {
-    session_.loadMof(resolve(OneArgument(words, "FILE"), source));
-  } else if (directive == "providers") {
-    session_.loadRegistrations(resolve(OneArgument(words, "REGFILE"), source));
-  } else if (directive == "lib-dir") {
-    session_.addLibraryDir(resolve(OneArgument(words, "DIR"), source));
-  } else if (directive == "namespace") {
-    session_.setNameSpace(OneArgument(words, "NS"));
-  } else if (directive == "unload-idle") {
+    return true;
+  }
+  if (directive == "unload-idle") {
     if (words.size() != 1) {
       throw UsageError("unload-idle: unexpected argument \"" + words[1] +
                        "\" (usage: unload-idle)");
     }
     progress_.clear();
     showed(formatter_.unloadAnswers(session_.host().unloadIdleProviders()), false);
+    return true;
+  }
+  std::string argument;
+  if (directive == "mof") {
+    argument = resolve(OneArgument(words, "FILE"), source);
+    session_.loadMof(argument);
+  } else if (directive == "providers") {
+    argument = resolve(OneArgument(words, "REGFILE"), source);
+    session_.loadRegistrations(argument);
+  } else if (directive == "lib-dir") {
+    argument = resolve(OneArgument(words, "DIR"), source);
+    session_.addLibraryDir(argument);
+  } else if (directive == "namespace") {
+    argument = OneArgument(words, "NS");
+    session_.setNameSpace(argument);
   } else {
     return false;
   }
+  progress_.clear();
+  showed(formatter_.directive(directive, argument), false);
   return true;
 }
 

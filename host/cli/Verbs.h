@@ -10,6 +10,7 @@ namespace cmpihost::cli {
 
 enum class Verb {
   kEnumerateClassNames,
+  kGetClass,
   kEnumerateInstances,
   kEnumerateInstanceNames,
   kGetInstance,
@@ -19,6 +20,7 @@ enum class Verb {
   kReferences,
   kReferenceNames,
   kRun,    // run a script file
+  kNew,    // write a new plug-in project
   kStdin,  // "-": run the commands on standard input
   kHelp,
 };

@@ -22,6 +22,10 @@
 // Every table's cleanup refuses an idle unload (`terminating` false) with
 // CMPI_RC_NEVER_UNLOAD, since every object the plug-in serves lives only in
 // the provider's memory, and answers a terminating cleanup with CMPI_RC_OK.
+// Where a library function refuses a request without a message (create,
+// modify, delete, query, a method call on no object or of no method, and
+// DIAGCORE_PROVIDER's reference requests), the table adds one that says why,
+// for clients that show only the status.
 //
 // DIAGCORE_PROVIDER's association table holds the DiagServiceProviderCommon
 // functions: associator requests deliver the association objects and

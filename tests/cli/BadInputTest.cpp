@@ -45,7 +45,8 @@ TEST(BadInputTest, UsageErrors) {
   const BadInput cases[] = {
       {"unknown verb",
        {"eii", "Cli_Shelf"},
-       "cmpihost: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "cmpihost: unknown verb \"eii\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "new, "
        "help; see cmpihost --help)\n"},
       {"run without file", {"run"}, "cmpihost: run: missing FILE (usage: cmpihost run FILE)\n"},
       {"script that is a folder",
@@ -53,16 +54,15 @@ TEST(BadInputTest, UsageErrors) {
        "cmpihost: run: cannot read the script /: it is a directory\n"},
       {"registration file that is a folder",
        {"--providers", "/", "ecn"},
-       "cmpihost: /:0: cannot read the registration file: it is a directory\n"},
-      {"missing script",
-       {"run", "/nonexistent/x.cmpihost"},
-       "cmpihost: run: cannot open the script /nonexistent/x.cmpihost\n"},
+       "cmpihost: /: cannot read the registration file: it is a directory\n"},
       {"dash with arguments",
        {"-", "ecn"},
        "cmpihost: -: unexpected argument \"ecn\" (usage: cmpihost -)\n"},
       {"help for an unknown verb",
        {"help", "nope"},
-       "cmpihost: unknown verb \"nope\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, "
+       "cmpihost: unknown verb \"nope\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, "
+       "-, "
+       "new, "
        "help; see cmpihost --help)\n"},
   };
   for (const BadInput& c : cases) {
@@ -82,6 +82,12 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
       {"class name where a path is needed",
        {"ei", "Cli_Shelf.Id=\"s1\""},
        "cmpihost: ei: expected a class name, not an instance path: Cli_Shelf.Id=\"s1\"\n"},
+      {"get of a class that is not loaded",
+       {"gc", "Nope"},
+       "cmpihost: gc: unknown class Nope in namespace root/cimv2\n"},
+      {"get of an instance path instead of a class",
+       {"gc", kWidget},
+       "cmpihost: gc: expected a class name, not an instance path: Cli_Widget.Name=\"w1\"\n"},
       {"unknown class",
        {"ei", "Nope"},
        "cmpihost: ei: unknown class Nope in namespace root/cimv2\n"},
@@ -128,6 +134,23 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
       {"reference key that is no path",
        {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.\""},
        "cmpihost: gi: key Widget: path text 'Cli_Widget.': column 12: expected a key name\n"},
+      {"path without one of its keys",
+       {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.Name=\\\"w1\\\"\""},
+       "cmpihost: gi: path 'Cli_WidgetOnShelf.Widget=\"Cli_Widget.Name=\\\"w1\\\"\"' lacks key "
+       "Shelf of class Cli_WidgetOnShelf\n"},
+      {"get of a bare class name",
+       {"gi", "Cli_WidgetOnShelf"},
+       "cmpihost: gi: path 'Cli_WidgetOnShelf' lacks keys Widget, Shelf of class "
+       "Cli_WidgetOnShelf\n"},
+      {"method call on a path without its keys",
+       {"cm", "Cli_Widget.Count=1", "Fail"},
+       "cmpihost: cm: path 'Cli_Widget.Count=1' lacks key Name of class Cli_Widget\n"},
+      {"assoc-class that is no association",
+       {"ain", kWidget, "--assoc-class", "Cli_Shelf"},
+       "cmpihost: ain: --assoc-class Cli_Shelf: the class is not an association\n"},
+      {"result-class of references that is no association",
+       {"rin", kWidget, "--result-class", "Cli_Shelf"},
+       "cmpihost: rin: --result-class Cli_Shelf: the class is not an association\n"},
   };
   for (const BadInput& c : cases) {
     BadInput withProvider = c;
@@ -170,20 +193,30 @@ TEST(BadInputTest, FilesThatDoNotLoad) {
       {"MOF error", {"--mof", badMof, "ecn"}, "cmpihost: " + badMof + ":2:25: ..."},
       {"missing MOF file",
        {"--mof", scratch.path() + "/none.mof", "ecn"},
-       "cmpihost: " + scratch.path() + "/none.mof:0:0: ..."},
+       "cmpihost: " + scratch.path() +
+           "/none.mof: cannot open the MOF file: No such file or directory\n"},
+      {"MOF file that is a folder",
+       {"--mof", scratch.path(), "ecn"},
+       "cmpihost: " + scratch.path() + ": cannot read the MOF file: it is a directory\n"},
       {"missing provider library",
        WithMof({"--lib-dir", ProviderDir(), "--providers", missingLibrary, "ecn"}),
        "cmpihost: " + missingLibrary + ":1: libgone.so of provider Gone is not in " +
            ProviderDir() + ", " + scratch.path() + "\n"},
       {"missing factory symbol",
        WithMof({"--lib-dir", ProviderDir(), "--providers", noFactory, "ecn"}),
-       "cmpihost: provider NoFactory, Instance MI: library " + ProviderDir() +
-           "/libclinofactory.so exports neither _Generic_Create_InstanceMI nor "
-           "NoFactory_Create_InstanceMI\n"},
+       "cmpihost: " + noFactory + ":2: provider NoFactory: " + ProviderDir() +
+           "/libclinofactory.so exports no NoFactory_Create_<Kind>MI nor "
+           "_Generic_Create_<Kind>MI for Instance; \"provider:\" must be the name the plug-in "
+           "gives its provider macro\n"},
       {"broken registration file", WithMof({"--providers", broken, "ecn"}),
        "cmpihost: " + broken + ":2: ..."},
       {"missing registration file", WithMof({"--providers", scratch.path() + "/none.reg", "ecn"}),
-       "cmpihost: " + scratch.path() + "/none.reg:0: cannot open the registration file\n"},
+       "cmpihost: " + scratch.path() +
+           "/none.reg: cannot open the registration file: No such file or directory\n"},
+      {"missing script",
+       {"run", scratch.path() + "/none.cmpihost"},
+       "cmpihost: run: cannot open the script " + scratch.path() +
+           "/none.cmpihost: No such file or directory\n"},
   };
   for (const BadInput& c : cases) {
     ExpectRefused(c);

@@ -147,5 +147,30 @@ TEST(TraceLineTest, AnEmptyIdIsLeftOut) {
   EXPECT_EQ(TraceLine(log), "[4] +++ EnumInstances");
 }
 
+TEST(TraceLineTest, LogSeveritiesAndTraceLevelsShareOneScale) {
+  const struct {
+    LogRecord::Kind kind;
+    int severity;
+    TraceLevel level;
+  } cases[] = {
+      {LogRecord::Kind::kLog, 1, TraceLevel::kError},
+      {LogRecord::Kind::kLog, 2, TraceLevel::kInfo},
+      {LogRecord::Kind::kLog, 3, TraceLevel::kWarning},
+      {LogRecord::Kind::kLog, 4, TraceLevel::kDebug},
+      {LogRecord::Kind::kLog, 0, TraceLevel::kDebug},
+      {LogRecord::Kind::kLog, 5, TraceLevel::kDebug},
+      {LogRecord::Kind::kTrace, 1, TraceLevel::kInfo},
+      {LogRecord::Kind::kTrace, 2, TraceLevel::kWarning},
+      {LogRecord::Kind::kTrace, 3, TraceLevel::kDebug},
+      {LogRecord::Kind::kTrace, 4, TraceLevel::kDebug},
+  };
+  for (const auto& c : cases) {
+    LogRecord record;
+    record.kind = c.kind;
+    record.severity = c.severity;
+    EXPECT_EQ(LevelOf(record), c.level) << TraceLine(record);
+  }
+}
+
 }  // namespace
 }  // namespace cmpihost::cli

@@ -83,6 +83,58 @@ TEST(OutputTest, ProviderInstancesMethodsAndTrace) {
   EXPECT_EQ(twice.err, "[4 clitest] +++ InvokeMethod\n[trace 2 clitest] Twice called\n");
 }
 
+TEST(OutputTest, GetClassShowsKeysPropertiesAndMethodsWithTheirParameters) {
+  ExpectSuccess(RunCmpihost(WithMof({"gc", "cli_widget"})),
+                "class Cli_Widget : Cli_Element {\n"
+                "    [Key] string Name;\n"
+                "    uint32 Count;\n"
+                "    boolean Enabled;\n"
+                "    string Tags[];\n"
+                "    uint32 Twice([In] uint32 N, [In] string Label, [In] Cli_Element REF Peer, "
+                "[Out] string Doubled, [Out] string PeerName);\n"
+                "    uint32 Fail();\n"
+                "};\n");
+  ExpectSuccess(RunCmpihost(WithMof({"gc", "Cli_WidgetOnShelf"})),
+                "[Association]\n"
+                "class Cli_WidgetOnShelf {\n"
+                "    [Key] Cli_Widget REF Widget;\n"
+                "    [Key] Cli_Shelf REF Shelf;\n"
+                "};\n");
+  ExpectSuccess(
+      RunCmpihost(WithMof({"gc", "Cli_Element", "--json"})),
+      "{\"className\":\"Cli_Element\",\"superClass\":null,\"association\":false,"
+      "\"abstract\":true,\"keys\":[\"Name\"],\"properties\":{\"Name\":{\"type\":\"string\","
+      "\"key\":true}},\"methods\":{}}\n");
+  const CommandResult twice = RunCmpihost(WithMof({"--json", "gc", "Cli_Widget"}));
+  EXPECT_NE(twice.out.find("\"Twice\":{\"returnType\":\"uint32\",\"parameters\":[{\"name\":"
+                           "\"N\",\"type\":\"uint32\",\"in\":true,\"out\":false},"),
+            std::string::npos)
+      << twice.out;
+  EXPECT_NE(twice.out.find("{\"name\":\"Peer\",\"type\":\"ref\",\"refClass\":\"Cli_Element\","
+                           "\"in\":true,\"out\":false}"),
+            std::string::npos)
+      << twice.out;
+}
+
+TEST(OutputTest, TraceLevelsFilterBySeverityAndOptionsMayFollowTheVerb) {
+  const struct {
+    const char* option;
+    const char* err;
+  } cases[] = {
+      {"--trace=debug", "[4 clitest] +++ InvokeMethod\n[trace 2 clitest] Twice called\n"},
+      {"--trace=info", "[trace 2 clitest] Twice called\n"},
+      {"--trace=warning", "[trace 2 clitest] Twice called\n"},
+      {"--trace=error", ""},
+  };
+  for (const auto& c : cases) {
+    const CommandResult twice =
+        RunCmpihost(WithProvider({"cm", kWidget, "twice", c.option, "n=1"}));
+    EXPECT_EQ(twice.exitCode, 0) << c.option;
+    EXPECT_EQ(twice.out, "ReturnValue = 2\nDoubled = \"\"\n") << c.option;
+    EXPECT_EQ(twice.err, c.err) << c.option;
+  }
+}
+
 TEST(OutputTest, AssociationsTheirFiltersAndTheEmptyAnswerHint) {
   ExpectSuccess(RunCmpihost(WithProvider({"ain", kWidget})), "root/cimv2:Cli_Shelf.Id=\"s1\"\n");
   ExpectSuccess(RunCmpihost(WithProvider({"ain", kWidget, "--assoc-class", "Cli_WidgetOnShelf",
@@ -119,30 +171,63 @@ TEST(OutputTest, AssociationsTheirFiltersAndTheEmptyAnswerHint) {
   EXPECT_EQ(failed.err.find("hint"), std::string::npos) << failed.err;
 }
 
+// With --json the same error line goes to standard error, and standard
+// output gets the failure as a document, in place of any answer.
 TEST(OutputTest, FailedRequestsExitOneWithTheStatus) {
   const struct {
     std::vector<std::string> args;
     std::string err;
+    std::string json;
   } cases[] = {
       {{"gi", "Cli_Widget.Name=\"w9\""},
        "cmpihost: GetInstance failed: CMPI_RC_ERR_FAILED (1): Could not find or construct "
-       "instance\n"},
+       "instance\n",
+       R"({"error":{"code":1,"name":"CMPI_RC_ERR_FAILED","message":"Could not find or construct )"
+       R"(instance"}})"},
       {{"cm", kWidget, "Fail"},
-       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_FAILED (1): the widget refused\n"},
+       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_FAILED (1): the widget refused\n",
+       R"({"error":{"code":1,"name":"CMPI_RC_ERR_FAILED","message":"the widget refused"}})"},
       {{"gi", "Cli_Shelf.Id=\"s9\""},
        "cmpihost: GetInstance failed: CMPI_RC_ERR_NOT_FOUND (6): no instance "
-       "root/cimv2:Cli_Shelf.Id=\"s9\"\n"},
+       "root/cimv2:Cli_Shelf.Id=\"s9\"\n",
+       R"({"error":{"code":6,"name":"CMPI_RC_ERR_NOT_FOUND","message":"no instance )"
+       R"(root/cimv2:Cli_Shelf.Id=\"s9\""}})"},
       // Served by nothing at all: the host's own refusal, still a failed request.
       {{"ei", "Cli_Gadget"},
        "cmpihost: EnumerateInstances failed: CMPI_RC_ERR_NOT_SUPPORTED (7): no provider serves "
-       "class Cli_Gadget or its subclasses, and it has no static instances\n"},
+       "class Cli_Gadget or its subclasses, and it has no static instances\n",
+       R"({"error":{"code":7,"name":"CMPI_RC_ERR_NOT_SUPPORTED","message":"no provider serves )"
+       R"(class Cli_Gadget or its subclasses, and it has no static instances"}})"},
   };
   for (const auto& c : cases) {
     const CommandResult result = RunCmpihost(WithProvider(c.args));
     EXPECT_EQ(result.exitCode, 1) << c.args[1];
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, c.err);
+
+    std::vector<std::string> json = c.args;
+    json.push_back("--json");
+    const CommandResult document = RunCmpihost(WithProvider(json));
+    EXPECT_EQ(document.exitCode, 1) << c.args[1];
+    EXPECT_EQ(document.out, c.json + "\n");
+    EXPECT_EQ(document.err, c.err);
   }
+}
+
+TEST(OutputTest, WithJsonBadUsageIsADocumentToo) {
+  const CommandResult keys = RunCmpihost(WithMof({"--json", "gi", "Cli_Shelf"}));
+  EXPECT_EQ(keys.exitCode, 2);
+  EXPECT_EQ(keys.out,
+            R"({"error":{"code":null,"name":"usage","message":"gi: path 'Cli_Shelf' lacks key Id )"
+            R"(of class Cli_Shelf"}})"
+            "\n");
+  EXPECT_EQ(keys.err, "cmpihost: gi: path 'Cli_Shelf' lacks key Id of class Cli_Shelf\n");
+
+  const CommandResult option = RunCmpihost({"ein", "X", "--json", "--bogus"});
+  EXPECT_EQ(option.exitCode, 2);
+  EXPECT_EQ(option.out,
+            "{\"error\":{\"code\":null,\"name\":\"usage\",\"message\":\"ein: unknown option "
+            "--bogus (usage: cmpihost ein CLASS)\"}}\n");
 }
 
 TEST(OutputTest, RegistrationFileFindsItsLibraryInItsOwnFolder) {

@@ -30,16 +30,20 @@ std::string ErrorOf(Call&& call) {
   return "(no error)";
 }
 
-TEST(OptionsTest, RepeatableOptionsKeepTheirOrderAndStopAtTheVerb) {
-  const Options options = Parse({"--mof", "a.mof", "--mof=b.mof", "--providers", "p.reg",
-                                 "--lib-dir", "/x", "--lib-dir=/y", "--namespace", "root/test",
-                                 "--json", "--trace", "--progress", "ei", "--json", "Cli_Shelf"});
+TEST(OptionsTest, RepeatableOptionsKeepTheirOrderBeforeAndAfterTheVerb) {
+  const Options options =
+      Parse({"--mof",        "a.mof",       "--providers",   "p.reg",   "--lib-dir",
+             "/x",           "--namespace", "root/test",     "--trace", "ai",
+             "--json",       "P",           "--assoc-class", "A",       "--mof=b.mof",
+             "--lib-dir=/y", "--progress",  "--help",        "--",      "--json"});
   EXPECT_EQ(options.mofFiles, (std::vector<std::string>{"a.mof", "b.mof"}));
   EXPECT_EQ(options.registrationFiles, std::vector<std::string>{"p.reg"});
   EXPECT_EQ(options.libraryDirs, (std::vector<std::string>{"/x", "/y"}));
   EXPECT_EQ(options.nameSpace, "root/test");
   EXPECT_TRUE(options.json && options.trace && options.progress);
-  EXPECT_EQ(options.words, (std::vector<std::string>{"ei", "--json", "Cli_Shelf"}));
+  EXPECT_FALSE(options.help);  // after the verb, it asks for the verb's help
+  EXPECT_EQ(options.words,
+            (std::vector<std::string>{"ai", "P", "--assoc-class", "A", "--help", "--json"}));
 
   EXPECT_EQ(Parse({"-"}).words, std::vector<std::string>{"-"});
   EXPECT_EQ(Parse({"--", "--odd"}).words, std::vector<std::string>{"--odd"});
@@ -52,6 +56,11 @@ TEST(OptionsTest, BadOptionsAreNamed) {
             }),
             "unknown option --bogus (see cmpihost --help)");
   EXPECT_EQ(ErrorOf([] { Parse({"--mof"}); }), "option --mof needs a value (FILE)");
+  EXPECT_EQ(ErrorOf([] { Parse({"ei", "C", "--mof"}); }), "option --mof needs a value (FILE)");
+  EXPECT_EQ(ErrorOf([] {
+              Parse({"--trace=loud", "ecn"});
+            }),
+            "option --trace takes error, warning, info or debug, not \"loud\"");
   EXPECT_EQ(ErrorOf([] { Parse({"--providers"}); }), "option --providers needs a value (REGFILE)");
   EXPECT_EQ(ErrorOf([] { Parse({"--namespace="}); }),
             "option --namespace needs a non-empty namespace");
@@ -86,7 +95,9 @@ TEST(RequestTest, ShapeErrorsSayWhatAndShowTheUsage) {
     std::string message;
   } cases[] = {
       {{"eii", "X"},
-       "unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, help; see "
+       "unknown verb \"eii\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, "
+       "help; "
+       "see "
        "cmpihost --help)"},
       {{"ei"}, "ei: missing CLASS (usage: cmpihost ei CLASS)"},
       {{"gi"}, "gi: missing PATH (usage: cmpihost gi PATH)"},
@@ -107,7 +118,7 @@ TEST(RequestTest, ShapeErrorsSayWhatAndShowTheUsage) {
       {{"ai", "P", "--role", "A", "--role", "B"},
        "ai: option --role is given twice (usage: cmpihost ai PATH [FILTER OPTIONS])"},
       {{},
-       "no verb given (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, help; see "
+       "no verb given (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, help; see "
        "cmpihost --help)"},
   };
   for (const auto& c : cases) {

@@ -54,7 +54,8 @@ TEST(ScriptTest, ABadLineStopsTheScriptNamingFileAndLine) {
     std::string err;
   } cases[] = {
       {"echo before\n\neii Cli_Shelf\necho never\n",
-       ":3: unknown verb \"eii\" (verbs: ecn, ei, ein, gi, cm, ai, ain, ri, rin, run, -, help; "
+       ":3: unknown verb \"eii\" (verbs: ecn, gc, ei, ein, gi, cm, ai, ain, ri, rin, run, -, new, "
+       "help; "
        "see cmpihost --help)\n"},
       {"echo before\ngi 'Cli_Shelf.Id=\"s1\"\n", ":2: column 4: unterminated single quote\n"},
       {"echo before\nei Nope\n", ":2: ei: unknown class Nope in namespace root/cimv2\n"},
@@ -161,8 +162,20 @@ TEST(ScriptTest, StandardInputRunsWithDashOrWithoutAVerb) {
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.out, expected);
   }
-  const CommandResult json = RunCmpihost(WithMof({"--json"}), "echo a \"b\"\necn Cli_Shelf\n");
-  EXPECT_EQ(json.out, "{\"echo\":\"a b\"}\n[\"Cli_Shelf\"]\n");
+  // With --json every step is one line, a failed or bad one included.
+  const CommandResult json = RunCmpihost(WithProvider({"--json"}),
+                                         "echo a \"b\"\nnamespace root/cimv2\necn Cli_Shelf\n"
+                                         "cm 'Cli_Widget.Name=\"w1\"' Fail\ngi Nope\necho never\n");
+  EXPECT_EQ(json.exitCode, 2);
+  EXPECT_EQ(json.out,
+            "{\"echo\":\"a b\"}\n"
+            "{\"namespace\":\"root/cimv2\"}\n"
+            "[\"Cli_Shelf\"]\n"
+            R"({"error":{"code":1,"name":"CMPI_RC_ERR_FAILED","message":"the widget refused"}})"
+            "\n"
+            R"({"error":{"code":null,"name":"usage","message":"<stdin>:5: gi: unknown class Nope )"
+            R"(in namespace root/cimv2"}})"
+            "\n");
 
   const CommandResult bad = RunCmpihost(WithMof({"-"}), "echo hi\ngi Nope\necho never\n");
   EXPECT_EQ(bad.exitCode, 2);

@@ -88,13 +88,10 @@ TEST(ExampleBadInputTest, DeploymentMistakes) {
            ", " + deployDir + "\n"},
       {"provider name the library has no factory for",
        WithMof({"--lib-dir", ExampleLibDir(), "--providers", wrongName, "ecn"}), 2,
-       "cmpihost: provider FileSystemDiagnostics, Instance MI: library " + ExampleLibDir() +
-           "/libfilesystemdiag.so exports neither _Generic_Create_InstanceMI nor "
-           "FileSystemDiagnostics_Create_InstanceMI; provider FileSystemDiagnostics, Method MI: "
-           "library " +
-           ExampleLibDir() +
-           "/libfilesystemdiag.so exports neither _Generic_Create_MethodMI nor "
-           "FileSystemDiagnostics_Create_MethodMI\n"},
+       "cmpihost: " + wrongName + ":2: provider FileSystemDiagnostics: " + ExampleLibDir() +
+           "/libfilesystemdiag.so exports no FileSystemDiagnostics_Create_<Kind>MI nor "
+           "_Generic_Create_<Kind>MI for Instance, Method; \"provider:\" must be the name the "
+           "plug-in gives its provider macro\n"},
       {"the example's MOF without the DMTF schema",
        {CmpihostBinary(), "--mof", ExampleMof(), "ecn"},
        2,
@@ -129,7 +126,8 @@ TEST(ExampleBadInputTest, ClientMistakes) {
       {"unknown class", Deployed({"ei", "FSD_FileSystem"}), 2,
        "cmpihost: ei: unknown class FSD_FileSystem in namespace root/cimv2\n"},
       {"service of another host", Deployed({"cm", otherHost, "RunDiagnostic", root}), 1,
-       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_NOT_FOUND (6)\n"},
+       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_NOT_FOUND (6): No object of this provider at " +
+           otherHost + "\n"},
       {"no element to test", Deployed({"cm", service, "RunDiagnostic"}), 1,
        "cmpihost: InvokeMethod failed: CMPI_RC_ERR_INVALID_PARAMETER (4): RunDiagnostic needs a "
        "ManagedElement reference\n"},
@@ -138,7 +136,9 @@ TEST(ExampleBadInputTest, ClientMistakes) {
        "cmpihost: GetInstance failed: CMPI_RC_ERR_FAILED (1): Could not find or construct "
        "instance\n"},
       {"a method the service does not implement", Deployed({"cm", service, "StopService"}), 1,
-       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_METHOD_NOT_FOUND (17)\n"},
+       "cmpihost: InvokeMethod failed: CMPI_RC_ERR_METHOD_NOT_FOUND (17): No method StopService "
+       "on " +
+           service + "\n"},
   };
   for (const BadInput& c : cases) {
     ExpectRefused(c);

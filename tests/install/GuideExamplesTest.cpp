@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
+#include "cmpihost/BagCheck.h"
 #include "cmpihost/CallScope.h"
 #include "cmpihost/Host.h"
 #include "diagcore/CimNames.h"
@@ -54,6 +56,19 @@ TEST_F(GuideExamplesTest, ValueTextsAreReadByTheDeclaredType) {
   EXPECT_EQ(built.find("LogOptions")->toMof(), "{2, 3}");
   EXPECT_EQ(built.find("ResultPersistence")->toMof(), "3600");
   EXPECT_EQ(built.find("TimeOfLastStateChange"), nullptr);
+
+  // What the builder did without a word, told to the author.
+  std::vector<std::string> dropped;
+  for (const cmpihost::DroppedProperty& each :
+       cmpihost::DroppedAtBuilding(host_, setting.getClassName(), setting)) {
+    dropped.push_back(each.text());
+  }
+  EXPECT_EQ(dropped,
+            (std::vector<std::string>{
+                "TINY_DiagSetting.HaltOnError: 'true' does not read as boolean (the builder reads "
+                "1 or 0)",
+                "TINY_DiagSetting.SettingID: the class declares no such property",  // a default
+                "TINY_DiagSetting.TimeOfLastStateChange: the class declares no such property"}));
 }
 
 TEST_F(GuideExamplesTest, APluginLinkedIntoTheTestIsRegisteredInProcess) {
