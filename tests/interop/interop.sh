@@ -685,6 +685,16 @@ setup() {
   wbem ein "$(url):FSD_FileSystemDiagnosticService"
   check "the plug-in's services are served" test "$RC" -eq 0 -a "$(grep -c 'FSD_FileSystemDiagnosticService\.' <<< "$OUT")" -eq 2
   echo "provider processes: $(provider_pids)"
+  if [ "$cimom" = pegasus ]; then
+    # The README sends the provider's log messages to the trace.
+    local traced=1
+    for _ in $(seq 20); do
+      grep -qs 'filesystemdiag' "$instance"/trace/* && { traced=0; break; }
+      sleep 0.5
+    done
+    grep -hs 'filesystemdiag' "$instance"/trace/* | sed 's/^/    /'
+    check "the provider's log messages are in \$PEGASUS_HOME/trace" test "$traced" -eq 0
+  fi
 }
 
 stop() {
