@@ -5,7 +5,7 @@
 # CIMOM and each group of cases against it as a test of its own:
 #
 #   interop.sh OPTIONS setup        install, deploy (README blocks), start
-#   interop.sh OPTIONS case NAME    one group of cases (see `cases` below)
+#   interop.sh OPTIONS case NAME    one group of cases (a case_NAME function below)
 #   interop.sh OPTIONS stop         stop the server
 #
 # OPTIONS: --cimom sfcb|pegasus  --home DIR (the CIMOM as the kit built it)
@@ -69,7 +69,8 @@ finish() {
 # same for every server on the machine: a second server refuses to start and
 # `cimserver -s` stops whichever server owns the socket. Each run therefore
 # gets a private /var/tmp in a mount namespace of its own, held open by a
-# sleeping process; every Pegasus command of the run enters it.
+# sleeping process; every Pegasus command of the run enters it. (The
+# provider then sees that /var/tmp as one more mounted file system to test.)
 ns_pidfile=$work/namespace.pid
 in_ns() {
   if [ "$cimom" = pegasus ] && [ -s "$ns_pidfile" ]; then
