@@ -42,6 +42,37 @@ CMPIStatus ReadOnly(const CMPIBroker* broker, CMPIStatus status, const char* ope
                        "and its diagnostic runs only");
 }
 
+// A client's ManagedElement that names no instance of a managed element (a
+// path without keys, a class the CIMOM does not know or that is no
+// CIM_ManagedElement) is its mistake, not something to test: it is refused
+// with a status that says so, before a test runs and leaves a record.
+CMPIStatus CheckManagedElement(const CMPIBroker* broker, const char* methodName,
+                               const CMPIArgs* in) {
+  CMPIStatus ok = {CMPI_RC_OK, nullptr};
+  if (broker == nullptr || in == nullptr || methodName == nullptr) {
+    return ok;
+  }
+  const std::string method = methodName;
+  if (method != "RunDiagnostic" && method != "RunDiagnosticService") {
+    return ok;
+  }
+  CMPIStatus status = ok;
+  const CMPIData element = in->ft->getArg(in, "ManagedElement", &status);
+  if (status.rc != CMPI_RC_OK || element.type != CMPI_ref || element.value.ref == nullptr) {
+    return ok;  // the service itself says what is missing
+  }
+  const CMPIObjectPath* path = element.value.ref;
+  const bool hasKeys = path->ft->getKeyCount(path, nullptr) > 0;
+  if (hasKeys && broker->eft->classPathIsA(broker, path, "CIM_ManagedElement", nullptr) != 0) {
+    return ok;
+  }
+  CMPIStatus invalid = {CMPI_RC_ERR_INVALID_PARAMETER, nullptr};
+  return Explained(broker, invalid,
+                   method + ": ManagedElement " + PathText(path) +
+                       (hasKeys ? " is not an instance of a CIM_ManagedElement class"
+                                : " names no instance (the path has no keys)"));
+}
+
 // Every object the plug-in serves lives only in this process: a CIMOM that
 // unloads an idle provider would lose them all, and OpenPegasus has no
 // setting against it. Only a terminating CIMOM gets its OK.
@@ -120,6 +151,10 @@ CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext* context, CMPIBoole
 CMPIStatus InvokeMethod(CMPIMethodMI* mi, const CMPIContext* context, const CMPIResult* result,
                         const CMPIObjectPath* path, const char* methodName, const CMPIArgs* in,
                         CMPIArgs* out) {
+  const CMPIStatus refused = CheckManagedElement(BrokerOf(mi), methodName, in);
+  if (refused.rc != CMPI_RC_OK) {
+    return refused;
+  }
   const CMPIStatus status = DiagServiceProviderCommonInvokeMethod(BrokerOf(mi), mi, context, result,
                                                                   path, methodName, in, out);
   const std::string method = methodName != nullptr ? methodName : "";

@@ -327,5 +327,35 @@ TEST_F(ProviderMacroTest, AStartupLinksItsOwnElementsAndIsToldWhenItLinkedNone) 
   EXPECT_EQ(scope.recorded(references).instances().size(), 1U);
 }
 
+// A ManagedElement that names no managed element is the client's mistake:
+// refused with a reason before any service runs a test.
+TEST_F(ProviderMacroTest, TheMethodTableRefusesAManagedElementThatNamesNoInstance) {
+  cmpihost::CallScope scope(host());
+  CMPIMethodMI* method = CountingPlugin_Create_MethodMI(scope.broker(), scope.context(), nullptr);
+  ASSERT_NE(method, nullptr);
+  const struct {
+    const char* element;
+    const char* message;
+  } cases[] = {
+      {"DTP_Nowhere.Id=\"1\"",
+       "RunDiagnostic: ManagedElement DTP_Nowhere.Id=\"1\" is not an instance of a "
+       "CIM_ManagedElement class"},
+      {"DTP_Device",
+       "RunDiagnostic: ManagedElement DTP_Device names no instance (the path has no keys)"},
+  };
+  for (const auto& c : cases) {
+    CMPIArgs* in = scope.broker()->eft->newArgs(scope.broker(), nullptr);
+    CMPIValue value{};
+    value.ref = scope.objectPath(c.element);
+    in->ft->addArg(in, "ManagedElement", &value, CMPI_ref);
+    const CMPIStatus status =
+        method->ft->invokeMethod(method, scope.context(), scope.newResult(),
+                                 scope.objectPath("DTP_DiagCapabilities.InstanceID=\"counting\""),
+                                 "RunDiagnostic", in, nullptr);
+    EXPECT_EQ(status.rc, CMPI_RC_ERR_INVALID_PARAMETER) << c.element;
+    EXPECT_EQ(MessageOf(status), c.message);
+  }
+}
+
 }  // namespace
 }  // namespace diagcore_test
