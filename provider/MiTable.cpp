@@ -3,6 +3,7 @@
 #include <string>
 
 #include "diagcore/CMPIUtil.h"
+#include "diagcore/CimNames.h"
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagServiceProviderCim.h"
 #include "diagcore/DiagServiceProviderCommon.h"
@@ -63,7 +64,13 @@ CMPIStatus CheckManagedElement(const CMPIBroker* broker, const char* methodName,
   }
   const CMPIObjectPath* path = element.value.ref;
   const bool hasKeys = path->ft->getKeyCount(path, nullptr) > 0;
-  if (hasKeys && broker->eft->classPathIsA(broker, path, "CIM_ManagedElement", nullptr) != 0) {
+  // Asked of a path of its own: the CIMOMs hand a method's reference
+  // argument over without a namespace, and then know no class of it.
+  const std::string className = CMPIUtil::GetClassName(path);
+  const CMPIObjectPath* classPath =
+      broker->eft->newObjectPath(broker, cimNameSpace, className.c_str(), nullptr);
+  if (hasKeys && classPath != nullptr &&
+      broker->eft->classPathIsA(broker, classPath, "CIM_ManagedElement", nullptr) != 0) {
     return ok;
   }
   CMPIStatus invalid = {CMPI_RC_ERR_INVALID_PARAMETER, nullptr};
