@@ -675,6 +675,212 @@ case_readme_client() {
 }
 
 # ---------------------------------------------------------------------------
+# The Diagnostics Profile: what a client that follows it walks, with the
+# DMTF association names, and RunDiagnosticService with its job.
+
+# The paths of one class among what a request gave (OUT), normalised.
+of_class() { grep -v '^\*' <<< "$OUT" | grep "[:/]$1\." | norm_paths; }
+# One normalised path, as a URL wbemcli takes (normalised paths have no host).
+norm_url() { echo "$(url | sed 's#/root/cimv2$##')/$1"; }
+# The ein listing of a class (full wbemcli paths).
+listed() { wbem_quiet ein "$(url):$1"; grep -v '^\*' <<< "$OUT" | grep "$1\."; }
+# The number of records whose property NAME has a value matching the
+# extended regular expression VALUE (ei -nl; "error" when ei fails).
+records_where() {  # records_where NAME VALUE
+  wbem_quiet ei -nl "$(url):FSD_FileSystemDiagnosticRecord"
+  [ "$RC" -eq 0 ] || { echo error; return; }
+  grep -Ec "^-$1=\"?$2\"?\$" <<< "$OUT"
+}
+# One RunDiagnosticService: JOB is the job's path as wbemcli printed it
+# (empty when there is none). Passes when the call answers 0 with a Job.
+JOB=''
+run_service() {  # run_service SERVICE-PATH ELEMENT-PATH [DiagnosticSettings MOF text]
+  local args="RunDiagnosticService.ManagedElement=$(as_ref "$2")"
+  [ $# -lt 3 ] || args="RunDiagnosticService.DiagnosticSettings=\"$3\",ManagedElement=$(as_ref "$2")"
+  wbem cm "$(as_url "$1")" "$args"
+  # wbemcli: "PATH RunDiagnosticService: 0, Job (reference): JOB-PATH"
+  JOB=$(sed -n 's/^.* RunDiagnosticService: 0, Job (reference): //p' <<< "$OUT" | head -n 1)
+  [ "$RC" -eq 0 ] && [ -n "$JOB" ]
+}
+# A job's path as wbemcli printed it (SFCB: "root/cimv2:FSD_ConcreteJob...",
+# OpenPegasus: "localhost/root/cimv2FSD_ConcreteJob...") as a URL.
+job_url() { norm_url "$(norm_paths <<< "$1")"; }
+
+case_profile() {
+  local s e S E s_norm e_norm name sd cap log L rec R mine pids_before pids_after
+  local before after n_log n_elt job_n J
+  s=$(services | head -n 1)
+  e=$(elements | grep 'DeviceID="/"' | head -n 1)
+  S=$(as_url "$s") E=$(as_url "$e")
+  s_norm=$(norm_paths <<< "$s") e_norm=$(norm_paths <<< "$e")
+  name=$(grep -o '[,.]Name="[^"]*"' <<< "$s" | head -n 1 | cut -d'"' -f2)
+  echo "-- service $name: $s"
+  # A record of this service on the root file system to walk to.
+  check "RunDiagnostic of $name on /" run_one "$s" "$e"
+  pids_before=$(provider_pids)
+  check "the provider runs (${pids_before:-none})" test -n "$pids_before"
+
+  echo "-- the service and its setting data"
+  wbem ain -ac CIM_ElementSettingData "$S"
+  sd=$(of_class FSD_FileSystemDiagnosticSettingData)
+  check "ain -ac CIM_ElementSettingData from the service gives one setting data ($(lines "$sd"))" \
+    test "$RC" -eq 0 -a "$(lines "$sd")" -eq 1 -a "$(grep -v '^\*' <<< "$OUT" | grep -c .)" -eq 1
+  check "it is the service's own ($name)" grep -q "$name" <<< "$sd"
+  assoc_count "ai -ac CIM_ElementSettingData from the service" 1 FSD_FileSystemDiagnosticSettingData ai -ac CIM_ElementSettingData "$S"
+  check "its ResultPersistence is the example's 4294967295" grep -q '^-ResultPersistence=4294967295$' <<< "$(wbemcli -nl gi "$(norm_url "$sd")" 2>&1)"
+  if [ -n "$sd" ]; then
+    assoc_is "ain -ac CIM_ElementSettingData from the setting data gives the service" "$s_norm" ain -ac CIM_ElementSettingData "$(norm_url "$sd")"
+    assoc_count "ai -ac CIM_ElementSettingData from the setting data" 1 FSD_FileSystemDiagnosticService ai -ac CIM_ElementSettingData "$(norm_url "$sd")"
+    assoc_count "rin -arc CIM_ElementSettingData from the setting data" 1 FSD_ElementSettingData rin -arc CIM_ElementSettingData "$(norm_url "$sd")"
+    assoc_count "ri -arc CIM_ElementSettingData from the service" 1 FSD_ElementSettingData ri -arc CIM_ElementSettingData "$S"
+  fi
+
+  echo "-- the service and its capabilities"
+  wbem ain -ac CIM_ElementCapabilities "$S"
+  cap=$(of_class FSD_FileSystemDiagnosticCapabilities)
+  check "ain -ac CIM_ElementCapabilities from the service gives one capabilities ($(lines "$cap"))" \
+    test "$RC" -eq 0 -a "$(lines "$cap")" -eq 1 -a "$(grep -v '^\*' <<< "$OUT" | grep -c .)" -eq 1
+  check "they are the service's own ($name)" grep -q "$name" <<< "$cap"
+  assoc_count "ai -ac CIM_ElementCapabilities from the service" 1 FSD_FileSystemDiagnosticCapabilities ai -ac CIM_ElementCapabilities "$S"
+  if [ -n "$cap" ]; then
+    assoc_is "ain -ac CIM_ElementCapabilities from the capabilities gives the service" "$s_norm" ain -ac CIM_ElementCapabilities "$(norm_url "$cap")"
+    assoc_count "ri -arc CIM_ElementCapabilities from the capabilities" 1 FSD_ElementCapabilities ri -arc CIM_ElementCapabilities "$(norm_url "$cap")"
+  fi
+
+  echo "-- the service and its log"
+  wbem ain -ac CIM_UseOfLog "$S"
+  log=$(of_class FSD_DiagnosticLog)
+  check "ain -ac CIM_UseOfLog from the service gives one log ($(lines "$log"))" \
+    test "$RC" -eq 0 -a "$(lines "$log")" -eq 1 -a "$(grep -v '^\*' <<< "$OUT" | grep -c .)" -eq 1
+  assoc_count "ai -ac CIM_UseOfLog from the service" 1 FSD_DiagnosticLog ai -ac CIM_UseOfLog "$S"
+  [ -n "$log" ] || return
+  L=$(norm_url "$log")
+  assoc_is "ain -ac CIM_UseOfLog from the log gives the service" "$s_norm" ain -ac CIM_UseOfLog "$L"
+  assoc_count "rin -arc CIM_UseOfLog from the log" 1 FSD_UseOfLog rin -arc CIM_UseOfLog "$L"
+
+  echo "-- the log and its records"
+  n_log=$(records_where ServiceName "$name")
+  wbem ain -ac CIM_LogManagesRecord "$L"
+  mine=$(of_class FSD_FileSystemDiagnosticRecord)
+  check "ain -ac CIM_LogManagesRecord from the log gives the service's records ($n_log)" \
+    test "$RC" -eq 0 -a "$(lines "$mine")" = "$n_log" -a "$(grep -v '^\*' <<< "$OUT" | grep -c .)" = "$n_log"
+  assoc_count "ai -ac CIM_LogManagesRecord from the log" "$n_log" FSD_FileSystemDiagnosticRecord ai -ac CIM_LogManagesRecord "$L"
+  assoc_count "ri -arc CIM_LogManagesRecord from the log" "$n_log" FSD_LogManagesRecord ri -arc CIM_LogManagesRecord "$L"
+  rec=$(tail -n 1 <<< "$mine")
+  [ -n "$rec" ] || { fail "the log has a record to walk from"; return; }
+  R=$(norm_url "$rec")
+  assoc_is "ain -ac CIM_LogManagesRecord from a record gives the log" "$log" ain -ac CIM_LogManagesRecord "$R"
+  assoc_count "rin -arc CIM_LogManagesRecord from a record" 1 FSD_LogManagesRecord rin -arc CIM_LogManagesRecord "$R"
+
+  echo "-- a record and the element it tested"
+  assoc_is "ain -ac CIM_RecordAppliesToElement -arc FSD_MountedFileSystem from a record gives /" "$e_norm" \
+    ain -ac CIM_RecordAppliesToElement -arc FSD_MountedFileSystem "$R"
+  assoc_count "ai -ac CIM_RecordAppliesToElement from a RunDiagnostic record gives the element only" 1 FSD_MountedFileSystem \
+    ai -ac CIM_RecordAppliesToElement "$R"
+  # The records' ManagedElementName is the element's DeviceID.
+  n_elt=$(records_where ManagedElementName /)
+  wbem ain -ac CIM_RecordAppliesToElement "$E"
+  local elt_recs; elt_recs=$(of_class FSD_FileSystemDiagnosticRecord)
+  check "ain -ac CIM_RecordAppliesToElement from / gives the records of / ($n_elt)" \
+    test "$RC" -eq 0 -a "$(lines "$elt_recs")" = "$n_elt"
+  check "among them the record walked from" grep -qxF "$rec" <<< "$(of_class FSD_FileSystemDiagnosticRecord)"
+  check "and only records" test "$(of_class FSD_FileSystemDiagnosticRecord | grep -c .)" -eq "$(grep -v '^\*' <<< "$OUT" | grep -c .)"
+  wbem ri -arc CIM_RecordAppliesToElement "$E"
+  check "ri -arc CIM_RecordAppliesToElement from / gives one association per record" \
+    test "$RC" -eq 0 -a "$(grep -c '^[^ ]*FSD_RecordAppliesToElement\.' <<< "$OUT")" -eq "$(wbemcli ain -ac CIM_RecordAppliesToElement "$E" 2>/dev/null | grep -c FSD_FileSystemDiagnosticRecord)"
+
+  echo "-- RunDiagnosticService"
+  before=$(record_count)
+  check "RunDiagnosticService answers 0 and a Job" run_service "$s" "$e"
+  after=$(record_count)
+  check "it left one record ($before + 1 = $after)" test "$after" = "$((before + 1))"
+  [ -n "$JOB" ] || return
+  J=$(job_url "$JOB") job_n=$(norm_paths <<< "$JOB")
+  wbem -nl gi "$J"
+  check "gi of the job answers" test "$RC" -eq 0
+  check "the job is an FSD_ConcreteJob" grep -q 'FSD_ConcreteJob' <<< "$JOB"
+  check "the job completed (JobState 7, or 10 for a failed test)" grep -Eq '^-JobState=(7|10)$' <<< "$OUT"
+  assoc_is "ain -ac CIM_OwningJobElement from the job gives the service" "$s_norm" ain -ac CIM_OwningJobElement "$J"
+  assoc_is "ain -ac CIM_AffectedJobElement from the job gives the element" "$e_norm" ain -ac CIM_AffectedJobElement "$J"
+  wbem ain -ac CIM_RecordAppliesToElement "$J"
+  local jrec; jrec=$(of_class FSD_FileSystemDiagnosticRecord)
+  check "ain -ac CIM_RecordAppliesToElement from the job gives one record" \
+    test "$RC" -eq 0 -a "$(lines "$jrec")" -eq 1 -a "$(grep -v '^\*' <<< "$OUT" | grep -c .)" -eq 1
+  assoc_count "ai -ac CIM_RecordAppliesToElement from the job" 1 FSD_FileSystemDiagnosticRecord ai -ac CIM_RecordAppliesToElement "$J"
+  if [ -n "$jrec" ]; then
+    assoc_is "the job's record is in the log" "$log" ain -ac CIM_LogManagesRecord "$(norm_url "$jrec")"
+    wbem ain -ac CIM_RecordAppliesToElement "$(norm_url "$jrec")"
+    check "from the job's record: the element" test "$(of_class FSD_MountedFileSystem)" = "$e_norm"
+    check "from the job's record: the job" test "$(of_class FSD_ConcreteJob)" = "$job_n"
+  fi
+  assoc_is "ain -ac CIM_OwningJobElement -arc FSD_ConcreteJob from the service includes the job" \
+    "$(wbemcli ain -ac CIM_OwningJobElement "$S" 2>/dev/null | grep -v '^\*' | grep . | norm_paths)" \
+    ain -ac CIM_OwningJobElement -arc FSD_ConcreteJob "$S"
+  check "the service owns the job" grep -qxF "$job_n" <<< "$(wbemcli ain -ac CIM_OwningJobElement "$S" 2>/dev/null | grep -v '^\*' | norm_paths)"
+  check "the element is affected by the job" grep -qxF "$job_n" <<< "$(wbemcli ain -ac CIM_AffectedJobElement "$E" 2>/dev/null | grep -v '^\*' | norm_paths)"
+
+  pids_after=$(provider_pids)
+  check "the provider was not restarted (${pids_before:-none} = ${pids_after:-none})" test "$pids_before" = "$pids_after"
+}
+
+case_expiry() {
+  local s e pids_before pids_after before after jobs_before jobs_after J0 J1 records_svc
+  s=$(services | head -n 1)
+  e=$(elements | grep 'DeviceID="/"' | head -n 1)
+  run_one "$s" "$e" >/dev/null
+  pids_before=$(provider_pids)
+  check "the provider runs (${pids_before:-none})" test -n "$pids_before"
+
+  echo "-- a run kept for an hour"
+  before=$(record_count) jobs_before=$(listed FSD_ConcreteJob | grep -c .)
+  check "RunDiagnosticService with DiagnosticSettings ResultPersistence 3600" \
+    run_service "$s" "$e" 'instance of CIM_DiagnosticSettingData { ResultPersistence = 3600; };'
+  J1=$JOB
+  after=$(record_count) jobs_after=$(listed FSD_ConcreteJob | grep -c .)
+  check "its record is there ($before + 1 = $after)" test "$after" = "$((before + 1))"
+  check "its job is there ($jobs_before + 1 = $jobs_after)" test "$jobs_after" = "$((jobs_before + 1))"
+  [ -z "$J1" ] || { wbem gi "$(job_url "$J1")"; check "gi of its job answers" test "$RC" -eq 0; }
+
+  echo "-- a run kept for no time"
+  before=$(record_count) jobs_before=$(listed FSD_ConcreteJob | grep -c .)
+  check "RunDiagnosticService with DiagnosticSettings ResultPersistence 0" \
+    run_service "$s" "$e" 'instance of CIM_DiagnosticSettingData { ResultPersistence = 0; };'
+  J0=$JOB
+  after=$(record_count) jobs_after=$(listed FSD_ConcreteJob | grep -c .)
+  check "its record is gone at the next request ($before = $after)" test "$after" = "$before"
+  check "its job is gone too ($jobs_before = $jobs_after)" test "$jobs_after" = "$jobs_before"
+  if [ -n "$J0" ]; then
+    # The library answers every missing instance with FAILED (1) "Could not
+    # find or construct instance" (DiagServiceProviderCommon.h), not NOT_FOUND.
+    wbem gi "$(job_url "$J0")"
+    check "gi of its job is refused with a status and a message" \
+      test "$RC" -ne 0 -a -n "$(has_status_and_message && echo y)"
+    wbem ain "$(as_url "$e")"
+    check "the element no longer leads to its job" bash -c '! grep -qxF "$1" <<< "$2"' _ "$(norm_paths <<< "$J0")" "$(grep -v '^\*' <<< "$OUT" | norm_paths)"
+  fi
+  [ -z "$J1" ] || { wbem gi "$(job_url "$J1")"; check "the hour's job is still there" test "$RC" -eq 0; }
+
+  echo "-- settings refused"
+  before=$(record_count) jobs_before=$(listed FSD_ConcreteJob | grep -c .)
+  wbem cm "$(as_url "$s")" "RunDiagnosticService.DiagnosticSettings=\"instance of CIM_DiagnosticSettingData { NoSuchSetting = 1; };\",ManagedElement=$(as_ref "$e")"
+  check "an unknown property: Invalid Parameter (4) with a message naming it" \
+    grep -q 'Cim: (4) CIM_ERR_INVALID_PARAMETER: .*NoSuchSetting' <<< "$OUT"
+  wbem cm "$(as_url "$s")" "RunDiagnosticService.DiagnosticSettings=\"instance of CIM_DiagnosticSettingData { ResultPersistence = TRUE; };\",ManagedElement=$(as_ref "$e")"
+  check "a wrongly typed value: Invalid Parameter (4) with a message naming it" \
+    grep -q 'Cim: (4) CIM_ERR_INVALID_PARAMETER: .*ResultPersistence' <<< "$OUT"
+  wbem cm "$(as_url "$s")" "RunDiagnosticService.DiagnosticSettings=\"instance of CIM_DiagnosticSettingData { ResultPersistence = -1; };\",ManagedElement=$(as_ref "$e")"
+  check "a negative ResultPersistence: Invalid Parameter (4) with a message" \
+    grep -q 'Cim: (4) CIM_ERR_INVALID_PARAMETER: .*ResultPersistence' <<< "$OUT"
+  refused "RunDiagnosticService without ManagedElement" cm "$(as_url "$s")" RunDiagnosticService
+  after=$(record_count) jobs_after=$(listed FSD_ConcreteJob | grep -c .)
+  check "the refused runs left no record ($before = $after)" test "$after" = "$before"
+  check "and no job ($jobs_before = $jobs_after)" test "$jobs_after" = "$jobs_before"
+
+  pids_after=$(provider_pids)
+  check "the provider was not restarted (${pids_before:-none} = ${pids_after:-none})" test "$pids_before" = "$pids_after"
+}
+
+# ---------------------------------------------------------------------------
 setup() {
   stop_server; close_namespace
   rm -f "$port_file"
