@@ -813,7 +813,7 @@ case_profile() {
     check "from the job's record: the element" test "$(of_class FSD_MountedFileSystem)" = "$e_norm"
     check "from the job's record: the job" test "$(of_class FSD_ConcreteJob)" = "$job_n"
   fi
-  assoc_is "ain -ac CIM_OwningJobElement -arc FSD_ConcreteJob from the service includes the job" \
+  assoc_is "ain -ac CIM_OwningJobElement -arc FSD_ConcreteJob from the service gives the jobs ain -ac alone gives" \
     "$(wbemcli ain -ac CIM_OwningJobElement "$S" 2>/dev/null | grep -v '^\*' | grep . | norm_paths)" \
     ain -ac CIM_OwningJobElement -arc FSD_ConcreteJob "$S"
   check "the service owns the job" grep -qxF "$job_n" <<< "$(wbemcli ain -ac CIM_OwningJobElement "$S" 2>/dev/null | grep -v '^\*' | norm_paths)"
