@@ -413,25 +413,21 @@ case_run() {
 
 # Checks one associator/reference request: its paths, normalised, are
 # EXPECTED (normalised, possibly empty).
-assoc_is() {  # assoc_is DESCRIPTION EXPECTED wbemcli-args...
-  local what=$1 expected=$2 got; shift 2
+# The objects an association request gives (all, or with a CLASS those of
+# that class only: an unfiltered request gives the Diagnostics Profile's
+# associations too), compared as normalised paths with EXPECTED.
+assoc_is_of() {  # assoc_is_of CLASS|"" DESCRIPTION EXPECTED wbemcli-args...
+  local class=$1 what=$2 expected=$3 got pattern=.; shift 3
+  [ -z "$class" ] || pattern="[:/]$class\\."
   wbem "$@"
-  got=$(grep -v '^\*' <<< "$OUT" | grep . | norm_paths)
+  got=$(grep -v '^\*' <<< "$OUT" | grep "$pattern" | norm_paths)
   if [ "$RC" -ne 0 ]; then fail "$what (exit $RC)"; return; fi
   if [ "$got" = "$expected" ]; then pass "$what"; else
     fail "$what"; echo "    expected:"; sed 's/^/      /' <<< "${expected:-<nothing>}"
   fi
 }
-# The same, for the objects of one class among what an unfiltered request
-# gives: the Diagnostics Profile's associations are there too.
-assoc_is_of() {  # assoc_is_of CLASS DESCRIPTION EXPECTED wbemcli-args...
-  local class=$1 what=$2 expected=$3 got; shift 3
-  wbem "$@"
-  got=$(grep -v '^\*' <<< "$OUT" | grep "[:/]$class\." | norm_paths)
-  if [ "$RC" -ne 0 ]; then fail "$what (exit $RC)"; return; fi
-  if [ "$got" = "$expected" ]; then pass "$what"; else
-    fail "$what"; echo "    expected:"; sed 's/^/      /' <<< "${expected:-<nothing>}"
-  fi
+assoc_is() {  # assoc_is DESCRIPTION EXPECTED wbemcli-args...
+  assoc_is_of "" "$@"
 }
 assoc_count_of() {  # assoc_count_of DESCRIPTION COUNT CLASS wbemcli-args...
   local what=$1 n=$2 class=$3 got; shift 3
