@@ -170,7 +170,7 @@ def suite_passes(build, log, jobs, timeout):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--files", nargs="*", help="source files to mutate (default: core/ diag/ provider/)")
-    parser.add_argument("--sample", type=int, default=16, help="run one mutant in N (by stable hash; 1 = all)")
+    parser.add_argument("--sample", type=int, default=4, help="run one mutant in N (by stable hash; 1 = all)")
     parser.add_argument("--list", action="store_true", help="list the selected mutants and stop")
     parser.add_argument("--build-dir", default="build/mutation")
     parser.add_argument("--jobs", type=int, default=2)
