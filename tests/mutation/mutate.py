@@ -176,7 +176,14 @@ def main():
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--timeout", type=int, default=120, help="seconds per test")
     parser.add_argument("--report", help="also write one line per mutant to this file")
+    parser.add_argument("--resume", help="take the outcomes of an interrupted run's output instead of rerunning them")
     args = parser.parse_args()
+    earlier = {}
+    if args.resume:
+        for line in Path(args.resume).read_text().splitlines():
+            found = re.match(r"(?:\[\d+/\d+\] )?(killed|survived|unviable) +(.*)$", line)
+            if found:
+                earlier[found.group(2)] = found.group(1)
 
     selected = [m for m, occurrence in all_mutants(source_files(args.files)) if m.key(occurrence) % args.sample == 0]
     if args.list:
@@ -195,6 +202,11 @@ def main():
     results, report = {"killed": 0, "survived": 0, "unviable": 0}, []
     started = time.time()
     for index, mutant in enumerate(selected, start=1):
+        if mutant.describe() in earlier:
+            outcome = earlier[mutant.describe()]
+            results[outcome] += 1
+            report.append(f"{outcome:8} {mutant.describe()}")
+            continue
         source = ROOT / mutant.path
         original = source.read_text()
         lines = original.splitlines(keepends=True)
