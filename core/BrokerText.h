@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
+
 namespace NQENDRA20 {
 
 // The characters of a broker string; "" for a null string or null characters,
@@ -16,7 +18,8 @@ std::string CharsOf(const CMPIString* text);
 // `text` with backslash escapes resolved: "\r", "\t" and "\n" become CR, tab
 // and LF, any other escaped character stands for itself, and a backslash at
 // the very end is dropped.
-std::string ResolveBackslashEscapes(std::string text);
+// Exported for its table test and fuzzer alone.
+DIAGCORE_EXPORT std::string ResolveBackslashEscapes(std::string text);
 
 }  // namespace NQENDRA20
 

@@ -5,39 +5,6 @@
 
 namespace NQENDRA20 {
 
-namespace {
-
-// std::string's find_first_of and find_first_not_of for a short set of
-// characters, answering the same positions, without a search of the set
-// for every character of the text.
-std::string::size_type FirstOf(const std::string& text, const char* set,
-                               std::string::size_type from) {
-  for (std::string::size_type i = from; i < text.size(); ++i) {
-    for (const char* c = set; *c != '\0'; ++c) {
-      if (text[i] == *c) {
-        return i;
-      }
-    }
-  }
-  return std::string::npos;
-}
-
-std::string::size_type FirstNotOf(const std::string& text, const char* set,
-                                  std::string::size_type from) {
-  for (std::string::size_type i = from; i < text.size(); ++i) {
-    bool inSet = false;
-    for (const char* c = set; *c != '\0' && !inSet; ++c) {
-      inSet = text[i] == *c;
-    }
-    if (!inSet) {
-      return i;
-    }
-  }
-  return std::string::npos;
-}
-
-}  // namespace
-
 std::string CMPIUtil::GetClassName(const CMPIObjectPath* op) {
   CMPIStatus status = {CMPI_RC_OK, nullptr};
   return CharsOf(op->ft->getClassName(op, &status));
@@ -49,7 +16,7 @@ std::string CMPIUtil::GetObjectPathString(const CMPIObjectPath* op) {
 }
 
 std::string CMPIUtil::StripObjectPath(std::string text) {
-  const std::string::size_type first = FirstOf(text, "./:", 0);
+  const std::string::size_type first = text.find_first_of("./:");
   if (first == std::string::npos || text[first] == '.') {
     // Begins with the class: a ":" or "/" further on is part of a key value.
     return text;
@@ -73,8 +40,8 @@ void CMPIUtil::ParseObjectPath(std::string& text, InstanceImpl& bag) {
 
   size_type position = dot + 1;
   while (position < n) {
-    const size_type keyStart = FirstNotOf(s, ", \t", position);
-    const size_type keyEnd = FirstOf(s, " \t=", keyStart);
+    const size_type keyStart = s.find_first_not_of(", \t", position);
+    const size_type keyEnd = s.find_first_of(" \t=", keyStart);
     const std::string key = s.substr(keyStart, keyEnd - keyStart);
     const size_type valueStart = s.find('"', keyEnd) + 1;
     const size_type valueEnd = s.find('"', valueStart);

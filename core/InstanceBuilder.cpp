@@ -1,14 +1,11 @@
 #include "diagcore/InstanceBuilder.h"
 
 #include <iostream>
-#include <limits>
 #include <map>
 #include <sstream>
 #include <string>
-#include <type_traits>
 #include <utility>
 
-#include "core/TextStreams.h"
 #include "core/Trace.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/CimNames.h"
@@ -17,41 +14,13 @@ namespace NQENDRA20 {
 
 namespace {
 
-// The value of a text of one to nine decimal digits and nothing else, when
-// T holds it: then the stream would read exactly that. Most numbers in bags
-// are such texts ("0", "2", "5"), and a stream costs far more than they do.
-template <typename T>
-bool ReadPlainDigits(const std::string& text, T& value) {
-  constexpr std::size_t kMaxDigits = 9;  // below 10^9: no overflow of the sum
-  if (text.empty() || text.size() > kMaxDigits) {
-    return false;
-  }
-  unsigned long sum = 0;
-  for (const char c : text) {
-    if (c < '0' || c > '9') {
-      return false;
-    }
-    sum = sum * 10 + static_cast<unsigned long>(c - '0');
-  }
-  if (sum > static_cast<unsigned long>(std::numeric_limits<T>::max())) {
-    return false;
-  }
-  value = static_cast<T>(sum);
-  return true;
-}
-
 // Reads one value of type T by formatted extraction, as a stream does it.
 // The target starts at zero, so a text that does not read leaves what the
 // stream stores on failure (0 for numbers, false for booleans), never garbage.
 template <typename T>
 T Extract(const std::string& text) {
   T value{};
-  if constexpr (std::is_integral_v<T> && sizeof(T) > 1 && !std::is_same_v<T, bool>) {
-    if (ReadPlainDigits(text, value)) {
-      return value;
-    }
-  }
-  ReadingStream(text) >> value;
+  std::istringstream(text) >> value;
   return value;
 }
 

@@ -11,7 +11,6 @@
 
 #include "core/PathIdentity.h"
 #include "core/Reclamation.h"
-#include "core/TextStreams.h"
 #include "core/Trace.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/CimNames.h"
@@ -54,6 +53,12 @@ using IdentityIndex = std::unordered_map<std::string, Slot>;
 IdentityIndex& IdentitiesOf(const Container* container) {
   static auto* const indexes = new std::unordered_map<const Container*, IdentityIndex>();
   return (*indexes)[container];
+}
+
+std::string PointerText(const void* pointer) {
+  std::ostringstream text;
+  text << pointer;
+  return text.str();
 }
 
 }  // namespace

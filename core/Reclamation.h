@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceRegistry.h"
 
 namespace NQENDRA20 {
@@ -28,7 +29,8 @@ void Reclaim(std::vector<InstanceRegistry::Instance*> unlinked);
 
 // Marks one request as running for its lifetime, and first removes what has
 // expired, so that the request cannot serve it.
-class RequestScope {
+// Exported for the registry's lifetime tests alone, which hold a request open.
+class DIAGCORE_EXPORT RequestScope {
  public:
   explicit RequestScope(const CMPIBroker* broker);
   ~RequestScope();

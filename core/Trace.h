@@ -16,9 +16,7 @@ namespace NQENDRA20 {
 // CMPI_SEV_WARNING (3). The broker's answer is ignored.
 void Trace(const CMPIBroker* broker, int severity, const char* text);
 void Trace(const CMPIBroker* broker, int severity, const std::string& text);
-// The text is `parts` one after the other. A CIMOM that does not keep debug
-// traces still receives every one, so they are composed in a buffer on the
-// stack: tracing allocates nothing unless a text is longer than 1 KiB.
+// The text is `parts` one after the other.
 void Trace(const CMPIBroker* broker, int severity, std::initializer_list<std::string_view> parts);
 
 }  // namespace NQENDRA20

@@ -13,11 +13,12 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class AvailServiceFactory {
+class DIAGCORE_EXPORT AvailServiceFactory {
  public:
   // The user elements: by default the broker's enumerateInstances of
   // `userClassName` in root/cimv2. May return null (nothing to offer).

@@ -8,11 +8,12 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class AvailableDiagnosticService : public InstanceImpl {
+class DIAGCORE_EXPORT AvailableDiagnosticService : public InstanceImpl {
  public:
   // An association served as the CIM class `className`, holding the defaults.
   explicit AvailableDiagnosticService(std::string className);

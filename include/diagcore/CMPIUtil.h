@@ -14,11 +14,12 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class CMPIUtil {
+class DIAGCORE_EXPORT CMPIUtil {
  public:
   // The class name of `op`.
   static std::string GetClassName(const CMPIObjectPath* op);

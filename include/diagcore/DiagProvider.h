@@ -42,6 +42,8 @@
 
 #include <cstddef>
 
+#include "diagcore/Export.h"
+
 namespace NQENDRA20 {
 
 // The MI functions in CMPI's signatures, for the tables DIAGCORE_PROVIDER
@@ -49,65 +51,77 @@ namespace NQENDRA20 {
 // and passes it with the call's arguments to DiagServiceProviderCommon*.
 namespace mi_table {
 
-CMPIStatus InstanceCleanup(CMPIInstanceMI* mi, const CMPIContext* context, CMPIBoolean terminating);
-CMPIStatus EnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* context,
-                             const CMPIResult* result, const CMPIObjectPath* reference);
-CMPIStatus EnumInstances(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
-                         const CMPIObjectPath* reference, const char** properties);
-CMPIStatus GetInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
-                       const CMPIObjectPath* path, const char** properties);
-CMPIStatus CreateInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
-                          const CMPIObjectPath* path, const CMPIInstance* instance);
-CMPIStatus ModifyInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
-                          const CMPIObjectPath* path, const CMPIInstance* instance,
-                          const char** properties);
-CMPIStatus DeleteInstance(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
-                          const CMPIObjectPath* path);
-CMPIStatus ExecQuery(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
-                     const CMPIObjectPath* reference, const char* query, const char* language);
+DIAGCORE_EXPORT CMPIStatus InstanceCleanup(CMPIInstanceMI* mi, const CMPIContext* context,
+                                           CMPIBoolean terminating);
+DIAGCORE_EXPORT CMPIStatus EnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* context,
+                                             const CMPIResult* result,
+                                             const CMPIObjectPath* reference);
+DIAGCORE_EXPORT CMPIStatus EnumInstances(CMPIInstanceMI* mi, const CMPIContext* context,
+                                         const CMPIResult* result, const CMPIObjectPath* reference,
+                                         const char** properties);
+DIAGCORE_EXPORT CMPIStatus GetInstance(CMPIInstanceMI* mi, const CMPIContext* context,
+                                       const CMPIResult* result, const CMPIObjectPath* path,
+                                       const char** properties);
+DIAGCORE_EXPORT CMPIStatus CreateInstance(CMPIInstanceMI* mi, const CMPIContext* context,
+                                          const CMPIResult* result, const CMPIObjectPath* path,
+                                          const CMPIInstance* instance);
+DIAGCORE_EXPORT CMPIStatus ModifyInstance(CMPIInstanceMI* mi, const CMPIContext* context,
+                                          const CMPIResult* result, const CMPIObjectPath* path,
+                                          const CMPIInstance* instance, const char** properties);
+DIAGCORE_EXPORT CMPIStatus DeleteInstance(CMPIInstanceMI* mi, const CMPIContext* context,
+                                          const CMPIResult* result, const CMPIObjectPath* path);
+DIAGCORE_EXPORT CMPIStatus ExecQuery(CMPIInstanceMI* mi, const CMPIContext* context,
+                                     const CMPIResult* result, const CMPIObjectPath* reference,
+                                     const char* query, const char* language);
 
-CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext* context, CMPIBoolean terminating);
-CMPIStatus InvokeMethod(CMPIMethodMI* mi, const CMPIContext* context, const CMPIResult* result,
-                        const CMPIObjectPath* path, const char* methodName, const CMPIArgs* in,
-                        CMPIArgs* out);
+DIAGCORE_EXPORT CMPIStatus MethodCleanup(CMPIMethodMI* mi, const CMPIContext* context,
+                                         CMPIBoolean terminating);
+DIAGCORE_EXPORT CMPIStatus InvokeMethod(CMPIMethodMI* mi, const CMPIContext* context,
+                                        const CMPIResult* result, const CMPIObjectPath* path,
+                                        const char* methodName, const CMPIArgs* in, CMPIArgs* out);
 
-CMPIStatus AssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* context,
-                              CMPIBoolean terminating);
-CMPIStatus Associators(CMPIAssociationMI* mi, const CMPIContext* context, const CMPIResult* result,
-                       const CMPIObjectPath* source, const char* assocClass,
-                       const char* resultClass, const char* role, const char* resultRole,
-                       const char** properties);
-CMPIStatus AssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
-                           const CMPIResult* result, const CMPIObjectPath* source,
-                           const char* assocClass, const char* resultClass, const char* role,
-                           const char* resultRole);
-CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext* context, const CMPIResult* result,
-                      const CMPIObjectPath* source, const char* resultClass, const char* role,
-                      const char** properties);
-CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
-                          const CMPIResult* result, const CMPIObjectPath* source,
-                          const char* resultClass, const char* role);
+DIAGCORE_EXPORT CMPIStatus AssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* context,
+                                              CMPIBoolean terminating);
+DIAGCORE_EXPORT CMPIStatus Associators(CMPIAssociationMI* mi, const CMPIContext* context,
+                                       const CMPIResult* result, const CMPIObjectPath* source,
+                                       const char* assocClass, const char* resultClass,
+                                       const char* role, const char* resultRole,
+                                       const char** properties);
+DIAGCORE_EXPORT CMPIStatus AssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                                           const CMPIResult* result, const CMPIObjectPath* source,
+                                           const char* assocClass, const char* resultClass,
+                                           const char* role, const char* resultRole);
+DIAGCORE_EXPORT CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext* context,
+                                      const CMPIResult* result, const CMPIObjectPath* source,
+                                      const char* resultClass, const char* role,
+                                      const char** properties);
+DIAGCORE_EXPORT CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                                          const CMPIResult* result, const CMPIObjectPath* source,
+                                          const char* resultClass, const char* role);
 
-CMPIStatus CimAssociators(CMPIAssociationMI* mi, const CMPIContext* context,
-                          const CMPIResult* result, const CMPIObjectPath* source,
-                          const char* assocClass, const char* resultClass, const char* role,
-                          const char* resultRole, const char** properties);
-CMPIStatus CimAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
-                              const CMPIResult* result, const CMPIObjectPath* source,
-                              const char* assocClass, const char* resultClass, const char* role,
-                              const char* resultRole);
-CMPIStatus CimReferences(CMPIAssociationMI* mi, const CMPIContext* context,
-                         const CMPIResult* result, const CMPIObjectPath* source,
-                         const char* resultClass, const char* role, const char** properties);
-CMPIStatus CimReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
-                             const CMPIResult* result, const CMPIObjectPath* source,
-                             const char* resultClass, const char* role);
+DIAGCORE_EXPORT CMPIStatus CimAssociators(CMPIAssociationMI* mi, const CMPIContext* context,
+                                          const CMPIResult* result, const CMPIObjectPath* source,
+                                          const char* assocClass, const char* resultClass,
+                                          const char* role, const char* resultRole,
+                                          const char** properties);
+DIAGCORE_EXPORT CMPIStatus CimAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                                              const CMPIResult* result,
+                                              const CMPIObjectPath* source, const char* assocClass,
+                                              const char* resultClass, const char* role,
+                                              const char* resultRole);
+DIAGCORE_EXPORT CMPIStatus CimReferences(CMPIAssociationMI* mi, const CMPIContext* context,
+                                         const CMPIResult* result, const CMPIObjectPath* source,
+                                         const char* resultClass, const char* role,
+                                         const char** properties);
+DIAGCORE_EXPORT CMPIStatus CimReferenceNames(CMPIAssociationMI* mi, const CMPIContext* context,
+                                             const CMPIResult* result, const CMPIObjectPath* source,
+                                             const char* resultClass, const char* role);
 
 }  // namespace mi_table
 
 // The once-flag of one plug-in's start-up. DIAGCORE_PROVIDER defines one per
 // plug-in; it is constant-initialised, so a factory may be called at any time.
-class ProviderStartup {
+class DIAGCORE_EXPORT ProviderStartup {
  public:
   using Function = void (*)(const CMPIBroker*, const CMPIContext*);
 

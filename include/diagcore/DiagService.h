@@ -30,11 +30,12 @@
 #include <string>
 
 #include "diagcore/DiagnosticRecord.h"
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class DiagService : public InstanceImpl {
+class DIAGCORE_EXPORT DiagService : public InstanceImpl {
  public:
   // A service of the CIM class `className` whose runs leave records of
   // `recordClassName`. `spareName` is the plug-in's own; `installDate` (a CIM

@@ -7,11 +7,12 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class DiagServiceCapabilitiesData : public InstanceImpl {
+class DIAGCORE_EXPORT DiagServiceCapabilitiesData : public InstanceImpl {
  public:
   // Capabilities served as the CIM class `className`, holding the defaults.
   explicit DiagServiceCapabilitiesData(std::string className);

@@ -10,11 +10,12 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class DiagServiceSettingData : public InstanceImpl {
+class DIAGCORE_EXPORT DiagServiceSettingData : public InstanceImpl {
  public:
   // Setting data served as the CIM class `className`, holding the defaults.
   explicit DiagServiceSettingData(std::string className);

@@ -6,11 +6,12 @@
 #ifndef DIAGCORE_DIAGUSER_H_
 #define DIAGCORE_DIAGUSER_H_
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class DiagUser : public InstanceImpl {
+class DIAGCORE_EXPORT DiagUser : public InstanceImpl {
  public:
   // An empty bag: no class name, no properties, no object path.
   DiagUser() = default;

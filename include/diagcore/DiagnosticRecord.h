@@ -9,11 +9,12 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class DiagnosticRecord : public InstanceImpl {
+class DIAGCORE_EXPORT DiagnosticRecord : public InstanceImpl {
  public:
   // A record of the CIM class `className` holding the defaults of init().
   explicit DiagnosticRecord(std::string className);

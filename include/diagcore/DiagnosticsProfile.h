@@ -24,12 +24,13 @@
 #include <string>
 
 #include "diagcore/DiagService.h"
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
 // The plug-in's subclasses under which the profile's objects are served.
-struct ProfileClasses {
+struct DIAGCORE_EXPORT ProfileClasses {
   std::string elementSettingData;      // of CIM_ElementSettingData
   std::string elementCapabilities;     // of CIM_ElementCapabilities
   std::string log;                     // of CIM_DiagnosticLog
@@ -45,7 +46,7 @@ struct ProfileClasses {
   static ProfileClasses WithPrefix(const std::string& prefix);
 };
 
-struct ProfileOptions {
+struct DIAGCORE_EXPORT ProfileOptions {
   ProfileClasses classes;
 
   // Each record gets an ExpirationDate from the ResultPersistence (seconds)
@@ -74,9 +75,10 @@ struct ProfileOptions {
 // nothing registered, when the service, the setting data or the
 // capabilities are null or not registered, when a class of `options` is
 // empty, or when the service was already offered the profile.
-bool OfferDiagnosticsProfile(const CMPIBroker* broker, const CMPIContext* context,
-                             DiagService* service, InstanceImpl* settingData,
-                             InstanceImpl* capabilities, const ProfileOptions& options);
+DIAGCORE_EXPORT bool OfferDiagnosticsProfile(const CMPIBroker* broker, const CMPIContext* context,
+                                             DiagService* service, InstanceImpl* settingData,
+                                             InstanceImpl* capabilities,
+                                             const ProfileOptions& options);
 
 }  // namespace NQENDRA20
 

@@ -14,11 +14,12 @@
 #include <string>
 #include <vector>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class InstanceBuilder {
+class DIAGCORE_EXPORT InstanceBuilder {
  public:
   // A builder whose bag and path builds create paths in `nameSpace`.
   explicit InstanceBuilder(std::string nameSpace);
@@ -62,14 +63,14 @@ class InstanceBuilder {
 };
 
 // The scratch bag into which object path texts are parsed.
-class ParseInstanceImpl : public InstanceImpl {
+class DIAGCORE_EXPORT ParseInstanceImpl : public InstanceImpl {
  public:
   void init() override;
 };
 
 // The pieces of `text` between occurrences of `delimiter`, empty pieces
 // dropped, nothing trimmed.
-std::vector<std::string> multiStringTok(std::string& text, char delimiter);
+DIAGCORE_EXPORT std::vector<std::string> multiStringTok(std::string& text, char delimiter);
 
 }  // namespace NQENDRA20
 

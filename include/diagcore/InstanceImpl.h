@@ -13,9 +13,11 @@
 #include <map>
 #include <string>
 
+#include "diagcore/Export.h"
+
 namespace NQENDRA20 {
 
-class InstanceImpl {
+class DIAGCORE_EXPORT InstanceImpl {
  public:
   using PropertyMap = std::map<std::string, std::string>;
   using iterator = PropertyMap::iterator;

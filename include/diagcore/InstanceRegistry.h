@@ -25,11 +25,12 @@
 #include <string>
 #include <vector>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class InstanceRegistry {
+class DIAGCORE_EXPORT InstanceRegistry {
  public:
   // One registered object: its bag (not owned; never deleted) and the
   // registry's long-lived clone of the instance built from it.
@@ -143,7 +144,7 @@ class InstanceRegistry {
 
 // Strict less-than of two instances by their "EnumOrder" values, read as
 // unsigned 32-bit numbers.
-struct CompareInstanceEnumOrder {
+struct DIAGCORE_EXPORT CompareInstanceEnumOrder {
   bool operator()(CMPIInstance* a, CMPIInstance* b) const;
 };
 

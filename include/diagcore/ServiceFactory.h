@@ -27,10 +27,11 @@
 #include <string>
 
 #include "diagcore/DiagService.h"
+#include "diagcore/Export.h"
 
 namespace NQENDRA20 {
 
-class ServiceFactory {
+class DIAGCORE_EXPORT ServiceFactory {
  public:
   // The plug-in's hook: creates the services with `dateTime` as install date
   // and `systemName` as system name, writes their number into `serviceCount`

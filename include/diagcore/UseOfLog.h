@@ -7,11 +7,12 @@
 
 #include <string>
 
+#include "diagcore/Export.h"
 #include "diagcore/InstanceImpl.h"
 
 namespace NQENDRA20 {
 
-class UseOfLog : public InstanceImpl {
+class DIAGCORE_EXPORT UseOfLog : public InstanceImpl {
  public:
   // An association served as the CIM class `className`, holding the defaults.
   explicit UseOfLog(std::string className);

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "cmpihost/Export.h"
 #include "cmpihost/Host.h"
 
 namespace cmpihost {
@@ -32,16 +33,17 @@ using PropertyTexts = std::vector<std::pair<std::string, std::string>>;
 // integers in decimal within range, uint8 and sint8 one character, date-times
 // in their 25-character form (or empty for now), references as path texts,
 // arrays as comma-separated elements.
-std::vector<DroppedProperty> DroppedAtBuilding(const ClassRepository& repository,
-                                               const std::string& nameSpace,
-                                               const std::string& className,
-                                               const PropertyTexts& bag);
+CMPIHOST_EXPORT std::vector<DroppedProperty> DroppedAtBuilding(const ClassRepository& repository,
+                                                               const std::string& nameSpace,
+                                                               const std::string& className,
+                                                               const PropertyTexts& bag);
 
 // The same for any bag that iterates as (name, text) pairs, as a libdiagcore
 // InstanceImpl does, in the host's default namespace.
 template <typename Bag>
-std::vector<DroppedProperty> DroppedAtBuilding(const Host& host, const std::string& className,
-                                               const Bag& bag) {
+CMPIHOST_EXPORT std::vector<DroppedProperty> DroppedAtBuilding(const Host& host,
+                                                               const std::string& className,
+                                                               const Bag& bag) {
   PropertyTexts texts;
   for (const auto& property : bag) {
     texts.emplace_back(property.first, property.second);

@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 
+#include "cmpihost/Export.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Reply.h"
 
@@ -23,7 +24,7 @@ namespace cmpihost {
 
 class Host;
 
-class CallScope {
+class CMPIHOST_EXPORT CallScope {
  public:
   // Opens a scope on the calling thread; it must be closed on the same thread.
   explicit CallScope(Host& host);

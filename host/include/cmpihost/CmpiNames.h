@@ -7,16 +7,18 @@
 
 #include <string>
 
+#include "cmpihost/Export.h"
+
 namespace cmpihost {
 
 // The MOF-style name of a type: "uint32", "string", "datetime", "ref",
 // "instance", ...; arrays get "[]" ("string[]"). Codes MOF has no name for
 // keep CMPI's ("chars", "args", "ptr"); "null" for CMPI_null; "type N" for
 // a code CMPI does not define.
-std::string CmpiTypeName(CMPIType type);
+CMPIHOST_EXPORT std::string CmpiTypeName(CMPIType type);
 
 // "CMPI_RC_ERR_NOT_FOUND"; "CMPI_RC_UNKNOWN" for a code CMPI does not define.
-const char* CmpiStatusName(CMPIrc rc);
+CMPIHOST_EXPORT const char* CmpiStatusName(CMPIrc rc);
 
 }  // namespace cmpihost
 

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/Export.h"
 #include "cmpihost/LogRecord.h"
 #include "cmpihost/ProviderRegistration.h"
 #include "cmpihost/Reply.h"
@@ -23,7 +24,7 @@ class ClassRepository;
 
 // Bad input to the host itself (a registration file, a path text, a missing
 // library or factory): says what is wrong and where.
-class HostError : public std::runtime_error {
+class CMPIHOST_EXPORT HostError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
@@ -53,7 +54,7 @@ struct UnloadAnswer {
   bool unloaded = false;  // every MI of the provider answered OK, so its MIs were dropped
 };
 
-class Host {
+class CMPIHOST_EXPORT Host {
  public:
   Host();
   // Calls every loaded MI's cleanup (terminating); libraries stay loaded.
