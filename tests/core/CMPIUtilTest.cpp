@@ -11,11 +11,11 @@
 #include <stdexcept>
 #include <string>
 
-#include "CoreHost.h"
 #include "cmpihost/CallScope.h"
 #include "core/BrokerText.h"
 #include "diagcore/CMPIUtil.h"
 #include "diagcore/InstanceBuilder.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "diag/DiagHost.h"
 #include "plugin/DiagTestPlugin.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

@@ -19,8 +19,8 @@
 #include <thread>
 #include <vector>
 
-#include "diag/DiagHost.h"
 #include "plugin/DiagTestPlugin.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {
@@ -130,8 +130,8 @@ class SoakTest : public DiagHostTest {
     const Reply reply = host().enumerateInstances("root/cimv2", kRecordClass);
     const std::vector<InstanceSnapshot> records = reply.instances();
     if (reply.status.rc != CMPI_RC_OK || static_cast<long>(records.size()) < before) {
-      Fail("records: " + std::to_string(records.size()) + " seen after " +
-           std::to_string(before) + " runs");
+      Fail("records: " + std::to_string(records.size()) + " seen after " + std::to_string(before) +
+           " runs");
     }
     if (!records.empty()) {
       const std::string id = Text(records[records.size() / 2], "InstanceID");
