@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdio>
-#include <ctime>
 #include <map>
 #include <random>
 #include <stdexcept>
@@ -165,22 +163,11 @@ TEST_F(CMPIUtilHostTest, PathTextIsTheBrokersTextWithoutHostNamespaceOrEscapes) 
 }
 
 TEST_F(CoreHostTest, SystemNameIsEmptyWithoutAComputerSystemAndDateTimeIsTheBrokers) {
-  // 2024-03-05 06:07:08.009010 UTC, printed in local time with its offset.
-  const std::time_t seconds = 1709618828;
-  host().setClock([&] {
-    return std::chrono::system_clock::from_time_t(seconds) + std::chrono::microseconds(9010);
-  });
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  char stamp[32];
-  std::strftime(stamp, sizeof stamp, "%Y%m%d%H%M%S", &local);
-  const long offset = local.tm_gmtoff / 60;
-  char expected[64];
-  std::snprintf(expected, sizeof expected, "%s.009010%c%03ld", stamp, offset < 0 ? '-' : '+',
-                offset < 0 ? -offset : offset);
-
+  // Printed in local time with its offset.
+  const auto when = FixedTime() + std::chrono::microseconds(9010);
+  host().setClock([when] { return when; });
   cmpihost::CallScope scope(host());
-  EXPECT_EQ(CMPIUtil::GetDateTimeString(scope.broker()), expected);
+  EXPECT_EQ(CMPIUtil::GetDateTimeString(scope.broker()), CimDateTime(when));
   EXPECT_EQ(CMPIUtil::GetSystemName(scope.broker(), scope.context()), "");
 }
 

@@ -57,20 +57,6 @@ TEST_F(PluginEndToEndTest, StartupRegistersServicesWithTheirSettingsCapabilities
               ElementsAre("\"DTP:Capabilities:Failing\"", "\"DTP:Capabilities:Passing\"",
                           "\"DTP:Capabilities:Throwing\""));
 
-  // Served in the order the availability factory numbered them: by service
-  // in creation order, then by device in the broker's enumeration order.
-  const std::vector<InstanceSnapshot> associations = All("DTP_AvailableDiagnosticService");
-  EXPECT_THAT(Texts(associations, "EnumOrder"),
-              ElementsAre("10", "15", "20", "110", "115", "120", "210", "215", "220"));
-  const char* const services[] = {"Passing", "Failing", "Throwing"};
-  ASSERT_THAT(associations, SizeIs(9));
-  for (std::size_t i = 0; i < associations.size(); ++i) {
-    EXPECT_EQ(Prop(associations[i], "ServiceProvided").text,
-              "//localhost/" + ServicePath(services[i / 3]));
-    EXPECT_EQ(Prop(associations[i], "UserOfService").text,
-              "//localhost/" + DevicePath("disk" + std::to_string(i % 3)));
-  }
-
   // A service as the client sees it: the library's sixteen and the plug-in's texts.
   const Reply service = host().getInstance(ServicePath("Passing"));
   ASSERT_THAT(service.instances(), SizeIs(1));
