@@ -193,5 +193,22 @@ TEST_F(PluginEndToEndTest, AThrowingTestFailsTheCallAndLeavesTheRegistryIntact) 
   EXPECT_THAT(Records(), SizeIs(1));
 }
 
+// A call that names no element to test is the client's mistake: refused
+// with a reason, before any test runs.
+TEST_F(PluginEndToEndTest, RunDiagnosticWithoutAManagedElementReferenceIsRefused) {
+  const std::vector<std::vector<cmpihost::Argument>> refused = {
+      {},
+      {cmpihost::Argument{"ManagedElement", DeviceText("disk0"), CMPI_string}},
+  };
+  for (const std::vector<cmpihost::Argument>& in : refused) {
+    const Reply reply = host().invokeMethod(ServicePath("Passing"), "RunDiagnostic", in);
+    EXPECT_EQ(reply.status.rc, CMPI_RC_ERR_INVALID_PARAMETER) << in.size();
+    EXPECT_EQ(reply.status.message, "RunDiagnostic needs a ManagedElement reference");
+    EXPECT_THAT(reply.events, IsEmpty());
+  }
+  EXPECT_THAT(StartedService("Passing")->runs(), IsEmpty());
+  EXPECT_THAT(Records(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace diagcore_test

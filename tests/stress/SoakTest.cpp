@@ -1,4 +1,5 @@
-// Eight clients at once through one host serving the test plug-in, whose
+// Eight callers at once: of a plug-in's factories while its start-up runs,
+// and, as clients, through one host serving the test plug-in, whose
 // start-up the first requests race for: runs of the passing, failing and
 // throwing services, enumerations, gets of what exists and of what does not,
 // and associator requests. Afterwards every record a run left is served
@@ -12,6 +13,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -19,8 +21,25 @@
 #include <thread>
 #include <vector>
 
+#include "cmpihost/CallScope.h"
+#include "diagcore/DiagProvider.h"
 #include "plugin/DiagTestPlugin.h"
 #include "support/LibraryHost.h"
+
+namespace {
+
+std::atomic<int> slowStarts{0};
+std::atomic<bool> slowDone{false};
+
+void SlowStartup(const CMPIBroker* /*broker*/, const CMPIContext* /*context*/) {
+  ++slowStarts;
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  slowDone = true;
+}
+
+}  // namespace
+
+DIAGCORE_PROVIDER(SlowPlugin, SlowStartup);
 
 namespace diagcore_test {
 namespace {
@@ -29,9 +48,9 @@ using cmpihost::InstanceSnapshot;
 using cmpihost::Reply;
 
 constexpr int kThreads = 8;
-constexpr int kRounds = 300;
+constexpr int kRounds = 200;
 // Bounded in time too, so that a sanitizer build ends; nothing asserts speed.
-constexpr std::chrono::seconds kBudget{6};
+constexpr std::chrono::seconds kBudget{3};
 
 const char* const kRecordClass = "DTP_DiagServiceRecord";
 const std::array<const char*, 3> kDevices = {"disk0", "disk1", "disk2"};
@@ -54,6 +73,45 @@ std::string Texts(const std::vector<InstanceSnapshot>& instances, const std::str
   return texts;
 }
 
+// Runs body(thread) on kThreads threads that start together.
+void OnAllThreads(const std::function<void(int)>& body) {
+  std::atomic<int> ready{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      ++ready;
+      while (ready.load() < kThreads) {
+        std::this_thread::yield();
+      }
+      body(t);
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+}
+
+TEST(StartupSoakTest, FactoriesCalledAtOnceRunTheStartupOnceAndWaitForIt) {
+  cmpihost::Host host;
+  std::atomic<int> failures{0};
+  OnAllThreads([&](int t) {
+    cmpihost::CallScope scope(host);
+    CMPIStatus rc = {CMPI_RC_ERR_FAILED, nullptr};
+    const void* mi = t % 3 == 0   ? static_cast<const void*>(SlowPlugin_Create_InstanceMI(
+                                        scope.broker(), scope.context(), &rc))
+                     : t % 3 == 1 ? static_cast<const void*>(SlowPlugin_Create_MethodMI(
+                                        scope.broker(), scope.context(), &rc))
+                                  : static_cast<const void*>(SlowPlugin_Create_AssociationMI(
+                                        scope.broker(), scope.context(), &rc));
+    // No caller may use the plug-in before its start-up finished.
+    if (mi == nullptr || rc.rc != CMPI_RC_OK || !slowDone.load()) {
+      ++failures;
+    }
+  });
+  EXPECT_EQ(failures.load(), 0);
+  EXPECT_EQ(slowStarts.load(), 1);
+}
+
 class SoakTest : public DiagHostTest {
  protected:
   // The plug-in is registered, not started: the first requests start it.
@@ -64,23 +122,11 @@ class SoakTest : public DiagHostTest {
 
   void RunAll() {
     const auto deadline = std::chrono::steady_clock::now() + kBudget;
-    std::atomic<int> ready{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
-      threads.emplace_back([&, t] {
-        ++ready;
-        while (ready.load() < kThreads) {
-          std::this_thread::yield();
-        }
-        for (int round = 0; round < kRounds && std::chrono::steady_clock::now() < deadline;
-             ++round) {
-          Round(t, round);
-        }
-      });
-    }
-    for (std::thread& thread : threads) {
-      thread.join();
-    }
+    OnAllThreads([&](int thread) {
+      for (int round = 0; round < kRounds && std::chrono::steady_clock::now() < deadline; ++round) {
+        Round(thread, round);
+      }
+    });
   }
 
   // Which request a client makes turns with the round and differs between
@@ -176,11 +222,6 @@ class SoakTest : public DiagHostTest {
     if (round % 4 == 0 && Run("Throwing", DevicePath("disk0")).status.rc != CMPI_RC_ERR_FAILED) {
       Fail("a throwing test did not fail its call");
     }
-  }
-
-  Reply Run(const std::string& name, const std::string& element) {
-    return host().invokeMethod(ServicePath(name), "RunDiagnostic",
-                               {cmpihost::Argument{"ManagedElement", element, std::nullopt}});
   }
 
   std::mutex failuresMutex_;
