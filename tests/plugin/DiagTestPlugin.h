@@ -112,25 +112,16 @@ std::string OfferAnswers();
 
 }  // namespace profiletestplugin
 
-// Defined by DIAGCORE_PROVIDER(DiagTestPlugin, ...).
-CMPI_EXTERN_C CMPIInstanceMI* DiagTestPlugin_Create_InstanceMI(const CMPIBroker* broker,
-                                                               const CMPIContext* context,
-                                                               CMPIStatus* rc);
-CMPI_EXTERN_C CMPIMethodMI* DiagTestPlugin_Create_MethodMI(const CMPIBroker* broker,
-                                                           const CMPIContext* context,
-                                                           CMPIStatus* rc);
-CMPI_EXTERN_C CMPIAssociationMI* DiagTestPlugin_Create_AssociationMI(const CMPIBroker* broker,
-                                                                     const CMPIContext* context,
-                                                                     CMPIStatus* rc);
+// The factories DIAGCORE_PROVIDER and DIAGCORE_CIM_PROVIDER define.
+#define DTP_DECLARE_FACTORIES(Name)                                                             \
+  CMPI_EXTERN_C CMPIInstanceMI* Name##_Create_InstanceMI(const CMPIBroker*, const CMPIContext*, \
+                                                         CMPIStatus*);                          \
+  CMPI_EXTERN_C CMPIMethodMI* Name##_Create_MethodMI(const CMPIBroker*, const CMPIContext*,     \
+                                                     CMPIStatus*);                              \
+  CMPI_EXTERN_C CMPIAssociationMI* Name##_Create_AssociationMI(const CMPIBroker*,               \
+                                                               const CMPIContext*, CMPIStatus*);
 
-CMPI_EXTERN_C CMPIInstanceMI* ProfileTestPlugin_Create_InstanceMI(const CMPIBroker* broker,
-                                                                  const CMPIContext* context,
-                                                                  CMPIStatus* rc);
-CMPI_EXTERN_C CMPIMethodMI* ProfileTestPlugin_Create_MethodMI(const CMPIBroker* broker,
-                                                              const CMPIContext* context,
-                                                              CMPIStatus* rc);
-CMPI_EXTERN_C CMPIAssociationMI* ProfileTestPlugin_Create_AssociationMI(const CMPIBroker* broker,
-                                                                        const CMPIContext* context,
-                                                                        CMPIStatus* rc);
+DTP_DECLARE_FACTORIES(DiagTestPlugin)
+DTP_DECLARE_FACTORIES(ProfileTestPlugin)
 
 #endif  // DIAGCORE_TESTS_PLUGIN_DIAGTESTPLUGIN_H_

@@ -119,6 +119,7 @@ std::vector<std::string> PluginClasses() {
 
 std::vector<std::string> Summaries(const std::vector<cmpihost::InstanceSnapshot>& instances) {
   std::vector<std::string> summaries;
+  summaries.reserve(instances.size());
   for (const cmpihost::InstanceSnapshot& instance : instances) {
     summaries.push_back(ClassAndKey(instance));
   }
@@ -207,7 +208,7 @@ TestBag* NewElement(const std::string& deviceId, PropertyList extra) {
 }
 
 std::string ElementText(const std::string& deviceId) {
-  return "DCT_Element.CreationClassName=\"DCT_Element\",DeviceID=\"" + deviceId + "\"";
+  return R"(DCT_Element.CreationClassName="DCT_Element",DeviceID=")" + deviceId + "\"";
 }
 
 StdoutCapture::StdoutCapture() : saved_(std::cout.rdbuf(buffer_.rdbuf())) {}
