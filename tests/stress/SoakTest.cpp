@@ -77,6 +77,7 @@ std::string Texts(const std::vector<InstanceSnapshot>& instances, const std::str
 void OnAllThreads(const std::function<void(int)>& body) {
   std::atomic<int> ready{0};
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, t] {
       ++ready;
