@@ -2,8 +2,7 @@
  * A provider of all five MI kinds, written only with the CMPI headers'
  * convenience macros. It is built twice, as C and as C++ (SampleProvider.cpp
  * includes this file), so that a macro that expands to something either
- * language rejects breaks the build; CmpiMacrosTest loads both builds and
- * checks what the stubs produced.
+ * language rejects breaks the build.
  */
 #include <cmpidt.h>
 #include <cmpift.h>
@@ -15,14 +14,6 @@
 
 static const CMPIBroker* sampleBroker;
 static int sampleHookRuns;
-
-/* What the tests read back: the broker the factories stored, and the hooks. */
-CMPI_EXTERN_C const CMPIBroker* SampleProvider_Broker(void) {
-  return sampleBroker;
-}
-CMPI_EXTERN_C int SampleProvider_HookRuns(void) {
-  return sampleHookRuns;
-}
 
 static CMPIData sampleAccessor(const char* name, void* parm) {
   CMPIData data;
@@ -225,9 +216,8 @@ static CMPIrc sampleUseEveryMacro(const CMPIBroker* b, const CMPIContext* c, con
 }
 
 /*
- * Every MI function answers with its own name as the status message, so the
- * tests can call each slot of a stub's table and see which function the stub
- * put there. The cleanups answer by return code only.
+ * Every MI function answers with its own name as the status message; the
+ * cleanups answer by return code only.
  */
 #define SAMPLE_ANSWER(operation) CMReturnWithChars(sampleBroker, CMPI_RC_OK, operation)
 #define SAMPLE_OP(operation, ...)                    \

@@ -5,11 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "CoreHost.h"
 #include "cmpihost/CallScope.h"
 #include "diagcore/CimNames.h"
 #include "diagcore/InstanceBuilder.h"
-#include "support/StdoutCapture.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

@@ -12,12 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "CoreHost.h"
 #include "cmpihost/CallScope.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "diagcore/CimNames.h"
 #include "diagcore/InstanceBuilder.h"
-#include "support/StdoutCapture.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {
@@ -44,12 +43,6 @@ class Grouping : public std::numpunct<char> {
 std::string Chars(const CMPIString* text) {
   return text->ft->getCharPtr(text, nullptr);
 }
-
-struct Expected {
-  const char* name;
-  CMPIType type;
-  std::string mof;
-};
 
 TEST(MultiStringTokTest, SplitsAtTheDelimiterAndDropsEmptyPieces) {
   const struct {
@@ -92,16 +85,6 @@ class InstanceBuilderTest : public CoreHostTest {
         builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
     EXPECT_NE(instance, nullptr);
     return instance == nullptr ? cmpihost::InstanceSnapshot{} : scope.snapshot(instance);
-  }
-
-  static void ExpectProperties(const cmpihost::InstanceSnapshot& snapshot,
-                               const std::vector<Expected>& expected) {
-    for (const Expected& e : expected) {
-      const cmpihost::Value* value = snapshot.find(e.name);
-      ASSERT_NE(value, nullptr) << e.name;
-      EXPECT_EQ(value->type, e.type) << e.name;
-      EXPECT_EQ(value->toMof(), e.mof) << e.name;
-    }
   }
 
   const InstanceBuilder builder_;

@@ -6,10 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "CoreHost.h"
 #include "cmpihost/CallScope.h"
 #include "diagcore/InstanceImpl.h"
-#include "support/StdoutCapture.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "CoreHost.h"
 #include "cmpihost/CallScope.h"
 #include "diagcore/InstanceRegistry.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

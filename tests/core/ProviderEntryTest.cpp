@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "CoreHost.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

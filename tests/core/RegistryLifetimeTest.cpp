@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "CoreHost.h"
 #include "cmpihost/CallScope.h"
 #include "core/Reclamation.h"
 #include "diagcore/InstanceRegistry.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

@@ -8,12 +8,10 @@
 #include <vector>
 
 #include "cmpihost/CallScope.h"
-#include "diag/DiagHost.h"
-#include "diag/RecordingBroker.h"
 #include "diagcore/AvailServiceFactory.h"
 #include "diagcore/InstanceRegistry.h"
 #include "plugin/DiagTestPlugin.h"
-#include "support/Bags.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

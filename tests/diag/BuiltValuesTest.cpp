@@ -8,11 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "diag/DiagHost.h"
 #include "diagcore/AvailableDiagnosticService.h"
 #include "diagcore/DiagServiceCapabilitiesData.h"
 #include "diagcore/DiagServiceSettingData.h"
-#include "support/Bags.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "cmpihost/CallScope.h"
-#include "diag/DiagHost.h"
 #include "diagcore/DiagServiceProviderCim.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

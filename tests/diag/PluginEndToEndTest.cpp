@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "diag/DiagHost.h"
 #include "plugin/DiagTestPlugin.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {
@@ -56,20 +56,6 @@ TEST_F(PluginEndToEndTest, StartupRegistersServicesWithTheirSettingsCapabilities
   EXPECT_THAT(Texts(All("DTP_DiagCapabilities"), "InstanceID"),
               ElementsAre("\"DTP:Capabilities:Failing\"", "\"DTP:Capabilities:Passing\"",
                           "\"DTP:Capabilities:Throwing\""));
-
-  // Served in the order the availability factory numbered them: by service
-  // in creation order, then by device in the broker's enumeration order.
-  const std::vector<InstanceSnapshot> associations = All("DTP_AvailableDiagnosticService");
-  EXPECT_THAT(Texts(associations, "EnumOrder"),
-              ElementsAre("10", "15", "20", "110", "115", "120", "210", "215", "220"));
-  const char* const services[] = {"Passing", "Failing", "Throwing"};
-  ASSERT_THAT(associations, SizeIs(9));
-  for (std::size_t i = 0; i < associations.size(); ++i) {
-    EXPECT_EQ(Prop(associations[i], "ServiceProvided").text,
-              "//localhost/" + ServicePath(services[i / 3]));
-    EXPECT_EQ(Prop(associations[i], "UserOfService").text,
-              "//localhost/" + DevicePath("disk" + std::to_string(i % 3)));
-  }
 
   // A service as the client sees it: the library's sixteen and the plug-in's texts.
   const Reply service = host().getInstance(ServicePath("Passing"));
@@ -205,6 +191,23 @@ TEST_F(PluginEndToEndTest, AThrowingTestFailsTheCallAndLeavesTheRegistryIntact) 
   ASSERT_THAT(again.data(), SizeIs(1));
   EXPECT_EQ(again.data()[0].uint, 9U);
   EXPECT_THAT(Records(), SizeIs(1));
+}
+
+// A call that names no element to test is the client's mistake: refused
+// with a reason, before any test runs.
+TEST_F(PluginEndToEndTest, RunDiagnosticWithoutAManagedElementReferenceIsRefused) {
+  const std::vector<std::vector<cmpihost::Argument>> refused = {
+      {},
+      {cmpihost::Argument{"ManagedElement", DeviceText("disk0"), CMPI_string}},
+  };
+  for (const std::vector<cmpihost::Argument>& in : refused) {
+    const Reply reply = host().invokeMethod(ServicePath("Passing"), "RunDiagnostic", in);
+    EXPECT_EQ(reply.status.rc, CMPI_RC_ERR_INVALID_PARAMETER) << in.size();
+    EXPECT_EQ(reply.status.message, "RunDiagnostic needs a ManagedElement reference");
+    EXPECT_THAT(reply.events, IsEmpty());
+  }
+  EXPECT_THAT(StartedService("Passing")->runs(), IsEmpty());
+  EXPECT_THAT(Records(), IsEmpty());
 }
 
 }  // namespace

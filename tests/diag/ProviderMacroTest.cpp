@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "cmpihost/CallScope.h"
-#include "diag/DiagHost.h"
 #include "diagcore/AvailServiceFactory.h"
 #include "diagcore/DiagProvider.h"
 #include "diagcore/DiagServiceCapabilitiesData.h"
 #include "diagcore/DiagServiceProviderCim.h"
 #include "diagcore/DiagUser.h"
 #include "diagcore/InstanceRegistry.h"
+#include "support/LibraryHost.h"
 
 namespace {
 

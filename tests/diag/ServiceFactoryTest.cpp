@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "cmpihost/CallScope.h"
-#include "diag/DiagHost.h"
-#include "diag/RecordingBroker.h"
 #include "diagcore/ServiceFactory.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {

@@ -12,8 +12,7 @@
 #include "diagcore/CimNames.h"
 #include "diagcore/InstanceBuilder.h"
 #include "diagcore/InstanceRegistry.h"
-#include "support/Bags.h"
-#include "support/ProviderHost.h"
+#include "support/LibraryHost.h"
 
 namespace {
 

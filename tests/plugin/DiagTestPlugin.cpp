@@ -1,4 +1,4 @@
-// The test plug-in's start-up and its provider macro expansion.
+// The test plug-ins' start-up and their provider macro expansions.
 #include "plugin/DiagTestPlugin.h"
 
 #include <memory>
@@ -69,20 +69,34 @@ Behaviour Throwing() {
   return behaviour;
 }
 
-}  // namespace
+// A setting data that says nothing about how long results are kept.
+class SilentSetting : public NQENDRA20::InstanceImpl {
+ public:
+  explicit SilentSetting(const std::string& name) : InstanceImpl(kSettingClass) {
+    (*this)["InstanceID"] = "DTP:Setting:" + name;
+    (*this)["ElementName"] = "Silent setting of " + name;
+  }
+  void init() override {}
+};
 
-NQENDRA20::DiagService** TestServiceFactory::CreateServicesImpl(std::string dateTime,
-                                                                std::string systemName,
-                                                                unsigned int& serviceCount) {
-  auto services = std::make_unique<NQENDRA20::DiagService*[]>(3);
-  services[0] = new TestDiagService("Passing", "Passing test", Passing(), dateTime, systemName);
-  services[1] = new TestDiagService("Failing", "Failing test", Failing(), dateTime, systemName);
-  services[2] = new TestDiagService("Throwing", "Throwing test", Throwing(), dateTime, systemName);
-  serviceCount = 3;
-  return services.release();
+// The DMTF key of the setting data and the capabilities is InstanceID, whose
+// default is the same for every service: each service's own text keeps them
+// apart in the registry.
+std::unique_ptr<NQENDRA20::InstanceImpl> SettingFor(const std::string& name,
+                                                    const std::optional<std::string>& persistence) {
+  if (!persistence) {
+    return std::make_unique<SilentSetting>(name);
+  }
+  auto setting = std::make_unique<NQENDRA20::DiagServiceSettingData>(kSettingClass);
+  (*setting)["InstanceID"] = "DTP:Setting:" + name;
+  (*setting)["ResultPersistence"] = *persistence;
+  return setting;
 }
 
-void StartDiagTestPlugin(const CMPIBroker* broker, const CMPIContext* context) {
+std::string offerAnswers;
+
+void Start(const CMPIBroker* broker, const CMPIContext* context,
+           const profiletestplugin::StartOptions& options) {
   unsigned int count = 0;
   const std::unique_ptr<NQENDRA20::DiagService*[]> created(
       TestServiceFactory().CreateServices(broker, context, count));
@@ -103,20 +117,46 @@ void StartDiagTestPlugin(const CMPIBroker* broker, const CMPIContext* context) {
       const std::lock_guard<std::mutex> lock(startedMutex);
       Started().push_back(static_cast<TestDiagService*>(service));
     }
-    // The DMTF key of both is InstanceID, whose default is the same for every
-    // service: each service's own text keeps them apart in the registry.
-    auto setting = std::make_unique<NQENDRA20::DiagServiceSettingData>(kSettingClass);
-    (*setting)["InstanceID"] = "DTP:Setting:" + name;
-    Register(broker, context, std::move(setting));
+    NQENDRA20::InstanceImpl* setting =
+        Register(broker, context, SettingFor(name, options.resultPersistence));
     auto capabilities =
         std::make_unique<NQENDRA20::DiagServiceCapabilitiesData>(kCapabilitiesClass);
     (*capabilities)["InstanceID"] = "DTP:Capabilities:" + name;
-    Register(broker, context, std::move(capabilities));
+    NQENDRA20::InstanceImpl* capabilitiesData = Register(broker, context, std::move(capabilities));
 
     availability.CreateAvailableServices(broker, context, service, kDeviceClass, kAvailabilityClass,
                                          firstEnumOrder, kEnumOrderStep);
     firstEnumOrder += kEnumOrdersPerService;
+    if (options.offer) {
+      offerAnswers += NQENDRA20::OfferDiagnosticsProfile(broker, context, service, setting,
+                                                         capabilitiesData, options.profile)
+                          ? "1"
+                          : "0";
+    }
   }
+}
+
+void StartProfileTestPlugin(const CMPIBroker* broker, const CMPIContext* context) {
+  Start(broker, context, profiletestplugin::NextStart());
+}
+
+}  // namespace
+
+NQENDRA20::DiagService** TestServiceFactory::CreateServicesImpl(std::string dateTime,
+                                                                std::string systemName,
+                                                                unsigned int& serviceCount) {
+  auto services = std::make_unique<NQENDRA20::DiagService*[]>(3);
+  services[0] = new TestDiagService("Passing", "Passing test", Passing(), dateTime, systemName);
+  services[1] = new TestDiagService("Failing", "Failing test", Failing(), dateTime, systemName);
+  services[2] = new TestDiagService("Throwing", "Throwing test", Throwing(), dateTime, systemName);
+  serviceCount = 3;
+  return services.release();
+}
+
+void StartDiagTestPlugin(const CMPIBroker* broker, const CMPIContext* context) {
+  profiletestplugin::StartOptions options;
+  options.offer = false;
+  Start(broker, context, options);
 }
 
 std::vector<TestDiagService*> StartedServices() {
@@ -136,4 +176,18 @@ TestDiagService* StartedService(const std::string& name) {
 
 }  // namespace diagtestplugin
 
+namespace profiletestplugin {
+
+StartOptions& NextStart() {
+  static StartOptions options;
+  return options;
+}
+
+std::string OfferAnswers() {
+  return diagtestplugin::offerAnswers;
+}
+
+}  // namespace profiletestplugin
+
 DIAGCORE_PROVIDER(DiagTestPlugin, diagtestplugin::StartDiagTestPlugin);
+DIAGCORE_CIM_PROVIDER(ProfileTestPlugin, diagtestplugin::StartProfileTestPlugin);

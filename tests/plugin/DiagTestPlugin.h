@@ -3,6 +3,11 @@
 // capabilities and availability associations, served through
 // DIAGCORE_PROVIDER(DiagTestPlugin, StartDiagTestPlugin). Its classes are in
 // diagtestplugin.mof; diagtestplugin.reg registers libdiagtestplugin.so.
+//
+// The same services, each offered the Diagnostics Profile with the options a
+// test chose before the first request, are served through
+// DIAGCORE_CIM_PROVIDER(ProfileTestPlugin, ...); its profile classes (prefix
+// PTP) are in tests/profile/profiletestplugin.mof.
 #ifndef DIAGCORE_TESTS_PLUGIN_DIAGTESTPLUGIN_H_
 #define DIAGCORE_TESTS_PLUGIN_DIAGTESTPLUGIN_H_
 
@@ -12,11 +17,13 @@
 
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "diagcore/DiagService.h"
 #include "diagcore/DiagnosticRecord.h"
+#include "diagcore/DiagnosticsProfile.h"
 #include "diagcore/InstanceImpl.h"
 #include "diagcore/ServiceFactory.h"
 
@@ -87,15 +94,34 @@ TestDiagService* StartedService(const std::string& name);
 
 }  // namespace diagtestplugin
 
-// Defined by DIAGCORE_PROVIDER(DiagTestPlugin, ...).
-CMPI_EXTERN_C CMPIInstanceMI* DiagTestPlugin_Create_InstanceMI(const CMPIBroker* broker,
-                                                               const CMPIContext* context,
-                                                               CMPIStatus* rc);
-CMPI_EXTERN_C CMPIMethodMI* DiagTestPlugin_Create_MethodMI(const CMPIBroker* broker,
-                                                           const CMPIContext* context,
-                                                           CMPIStatus* rc);
-CMPI_EXTERN_C CMPIAssociationMI* DiagTestPlugin_Create_AssociationMI(const CMPIBroker* broker,
-                                                                     const CMPIContext* context,
-                                                                     CMPIStatus* rc);
+namespace profiletestplugin {
+
+struct StartOptions {
+  NQENDRA20::ProfileOptions profile;
+  // The setting data's ResultPersistence text; nullopt: the property is absent.
+  std::optional<std::string> resultPersistence = "900";
+  // Whether the start-up offers the profile at all.
+  bool offer = true;
+};
+
+// Read by the next start-up; set it before the first request.
+StartOptions& NextStart();
+
+// What OfferDiagnosticsProfile answered for each service, in order.
+std::string OfferAnswers();
+
+}  // namespace profiletestplugin
+
+// The factories DIAGCORE_PROVIDER and DIAGCORE_CIM_PROVIDER define.
+#define DTP_DECLARE_FACTORIES(Name)                                                             \
+  CMPI_EXTERN_C CMPIInstanceMI* Name##_Create_InstanceMI(const CMPIBroker*, const CMPIContext*, \
+                                                         CMPIStatus*);                          \
+  CMPI_EXTERN_C CMPIMethodMI* Name##_Create_MethodMI(const CMPIBroker*, const CMPIContext*,     \
+                                                     CMPIStatus*);                              \
+  CMPI_EXTERN_C CMPIAssociationMI* Name##_Create_AssociationMI(const CMPIBroker*,               \
+                                                               const CMPIContext*, CMPIStatus*);
+
+DTP_DECLARE_FACTORIES(DiagTestPlugin)
+DTP_DECLARE_FACTORIES(ProfileTestPlugin)
 
 #endif  // DIAGCORE_TESTS_PLUGIN_DIAGTESTPLUGIN_H_

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "profile/ProfileHost.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {
@@ -30,7 +30,7 @@ TEST_F(NavigationTest, EveryAssociationLeadsBothWaysAndOnlyToItsOwnService) {
   profiletestplugin::StartOptions options = AllOn();
   options.profile.retention = false;
   Start(options);
-  ASSERT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   const std::string service = "DTP_DiagService:Passing";
   const std::string record =
       "DTP_DiagServiceRecord:DTP_DiagService:Passing:" + CimDateTime(FixedTime()) + ":1";
@@ -102,7 +102,7 @@ TEST_F(NavigationTest, RecordsOfAServiceOfferedNoProfileKeepTheirOldKeysAndLinks
   profiletestplugin::StartOptions options = AllOn();
   options.offer = false;
   Start(options);
-  ASSERT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   EXPECT_THAT(
       Enumerate("DTP_DiagServiceRecord"),
       ElementsAre("DTP_DiagServiceRecord:DTP_DiagService:Passing:" + CimDateTime(FixedTime())));
@@ -129,7 +129,7 @@ TEST_P(RefusedOfferTest, AServiceWhoseProfileCannotBeHonouredRunsWithoutItAndSay
                                ServiceText("Passing") + " runs without the profile";
   EXPECT_THAT(TakeTraces(), ::testing::Contains(Warning(expected)));
   EXPECT_THAT(Enumerate("PTP_DiagnosticLog"), IsEmpty());
-  EXPECT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+  EXPECT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   EXPECT_THAT(Associators(DevicePath("disk1"), "CIM_RecordAppliesToElement"), IsEmpty());
 }
 

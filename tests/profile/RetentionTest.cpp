@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "plugin/DiagTestPlugin.h"
-#include "profile/ProfileHost.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {
@@ -41,7 +41,7 @@ TEST_P(PersistenceEdgeTest, TheRecordIsKeptExactlyAsLongAsItsPersistenceSays) {
   profiletestplugin::StartOptions options = AllOn();
   options.resultPersistence = edge.persistence;
   Start(options);
-  ASSERT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   std::vector<TraceLine> warnings;
   for (const TraceLine& line : TakeTraces()) {
     if (line.severity == kWarning) {
@@ -105,9 +105,9 @@ TEST_F(RetentionTest, AnExpiredRecordGoesWithItsAssociationsAndNothingElse) {
   profiletestplugin::StartOptions options = AllOn();
   options.resultPersistence = "1";
   Start(options);
-  ASSERT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   SetClock(std::chrono::milliseconds(500));
-  ASSERT_EQ(Run("Passing", "disk2").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Passing", "disk2").status.rc, CMPI_RC_OK);
   const std::vector<std::string> before = Enumerate("DTP_DiagServiceRecord");
   ASSERT_THAT(before, SizeIs(2));
   TakeTraces();
@@ -135,9 +135,9 @@ TEST_F(RetentionTest, ABoundKeepsEachServicesNewestRecordsOnly) {
   options.profile.recordBound = 3;
   Start(options);
   for (int run = 0; run < 5; ++run) {
-    ASSERT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+    ASSERT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   }
-  ASSERT_EQ(Run("Failing", "disk1").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Failing", "disk1").status.rc, CMPI_RC_OK);
   const std::string passing =
       "DTP_DiagServiceRecord:DTP_DiagService:Passing:" + CimDateTime(FixedTime()) + ":";
   const std::string failing =
@@ -153,7 +153,7 @@ TEST_F(RetentionTest, WithoutRetentionRecordsCarryNoExpirationAndStay) {
   options.profile.retention = false;
   options.resultPersistence = "0";
   Start(options);
-  ASSERT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   SetClock(kCentury);
   const std::vector<cmpihost::InstanceSnapshot> records = Records();
   ASSERT_THAT(records, SizeIs(1));

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "profile/ProfileHost.h"
+#include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {
@@ -96,7 +96,7 @@ TEST_F(RunDiagnosticServiceTest, EachOutcomeLeavesACompletedJobLinkedToServiceEl
     EXPECT_THAT(Associators(job, "CIM_AffectedJobElement"), ElementsAre("DTP_Device:disk1"));
     EXPECT_THAT(Associators(job, "CIM_RecordAppliesToElement"), SizeIs(outcome.records));
     EXPECT_THAT(Associators(ServicePath(outcome.service), "CIM_OwningJobElement"),
-                ElementsAre(Summary(instance)));
+                ElementsAre(ClassAndKey(instance)));
   }
   EXPECT_THAT(Enumerate("DTP_DiagServiceRecord"), SizeIs(2));
 }
@@ -217,7 +217,7 @@ TEST_F(RunDiagnosticServiceTest, JobsCountInTheServicesBoundWithTheirRecords) {
   options.profile.recordBound = 2;
   Start(options);
   RunForJob("Passing");
-  ASSERT_EQ(Run("Passing", "disk1").status.rc, CMPI_RC_OK);
+  ASSERT_EQ(RunOn("Passing", "disk1").status.rc, CMPI_RC_OK);
   RunForJob("Passing");
   EXPECT_THAT(Enumerate("PTP_ConcreteJob"),
               ElementsAre("PTP_ConcreteJob:PTP_ConcreteJob:Passing:3"));
