@@ -7,7 +7,6 @@
 #include <string>
 
 #include "cli/JsonFormatter.h"
-#include "cli/JsonWriter.h"
 #include "cli/TextFormatter.h"
 #include "cli/TraceLine.h"
 
@@ -62,39 +61,6 @@ InstanceSnapshot Sample() {
                          {"Note", Null(CMPI_string)},
                          {"Levels", Null(CMPI_uint8A)}};
   return instance;
-}
-
-TEST(JsonWriterTest, EscapesStringsAndSeparatesMembers) {
-  JsonWriter json;
-  json.beginObject()
-      .key("text")
-      .string("q\" b\\ n\n r\r t\t \b \f \x01 \x1f é")
-      .key("list")
-      .beginArray()
-      .number(std::uint64_t{18446744073709551615U})
-      .number(std::int64_t{-9223372036854775807 - 1})
-      .number(2.5)
-      .number(1e300)
-      .boolean(false)
-      .null()
-      .beginObject()
-      .endObject()
-      .beginArray()
-      .endArray()
-      .endArray()
-      .key("k\"ey")
-      .number(std::nan(""))
-      .endObject();
-  EXPECT_EQ(json.text(),
-            "{\"text\":\"q\\\" b\\\\ n\\n r\\r t\\t \\b \\f \\u0001 \\u001f é\","
-            "\"list\":[18446744073709551615,-9223372036854775808,2.5,1e+300,false,null,{},[]],"
-            "\"k\\\"ey\":\"NaN\"}");
-  JsonWriter infinities;
-  infinities.beginArray()
-      .number(std::numeric_limits<double>::infinity())
-      .number(-std::numeric_limits<double>::infinity())
-      .endArray();
-  EXPECT_EQ(infinities.text(), "[\"Infinity\",\"-Infinity\"]");
 }
 
 TEST(JsonFormatterTest, InstancesCarryClassPathAndTypedProperties) {
