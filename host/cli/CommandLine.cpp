@@ -1,5 +1,6 @@
-#include "cli/CommandLine.h"
-
+// The whole command: options, loading, then one verb, a script file or the
+// commands on standard input. The exit code is 0 for success, 1 when a
+// request failed, 2 for bad usage or input.
 #include <unistd.h>
 
 #include <cerrno>
@@ -204,8 +205,6 @@ int Refused(bool json, const std::string& message, int exitCode) {
   return exitCode;
 }
 
-}  // namespace
-
 int RunCommandLine(int argc, const char* const* argv) {
   bool json = false;
   try {
@@ -219,4 +218,9 @@ int RunCommandLine(int argc, const char* const* argv) {
   }
 }
 
+}  // namespace
 }  // namespace cmpihost::cli
+
+int main(int argc, char** argv) {
+  return cmpihost::cli::RunCommandLine(argc, argv);
+}
