@@ -167,7 +167,7 @@ TEST(BadInputTest, PathsClassesMethodsAndArguments) {
        {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.\""},
        "cmpihost: gi: key Widget: path text 'Cli_Widget.': column 12: expected a key name\n"},
       {"path without one of its keys",
-       {"gi", "Cli_WidgetOnShelf.Widget=\"Cli_Widget.Name=\\\"w1\\\"\""},
+       {"gi", R"(Cli_WidgetOnShelf.Widget="Cli_Widget.Name=\"w1\"")"},
        "cmpihost: gi: path 'Cli_WidgetOnShelf.Widget=\"Cli_Widget.Name=\\\"w1\\\"\"' lacks key "
        "Shelf of class Cli_WidgetOnShelf\n"},
       {"get of a bare class name",

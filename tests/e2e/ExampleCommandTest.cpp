@@ -56,7 +56,7 @@ std::vector<std::string> Captures(const std::vector<std::string>& texts,
 std::vector<std::string> ServedFileSystems() {
   const ProgramResult result = RunOnExample({"ein", "FSD_MountedFileSystem"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  const std::vector<std::string> ids =
+  std::vector<std::string> ids =
       Captures(Lines(result.out), std::regex(R"re(DeviceID="([^"]*)")re"));
   EXPECT_EQ(ids.size(), Lines(result.out).size()) << result.out;
   return ids;

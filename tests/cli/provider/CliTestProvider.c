@@ -7,6 +7,7 @@
 #include <cmpidt.h>
 #include <cmpift.h>
 #include <cmpimacs.h>
+#include <stdio.h>
 #include <string.h>
 
 static const CMPIBroker* broker;
@@ -133,8 +134,7 @@ static CMPIStatus Twice(const CMPIResult* rslt, const CMPIArgs* in, CMPIArgs* ou
   if (!(label.state & CMPI_nullValue) && label.value.string != NULL) {
     const char* text = CMGetCharPtr(label.value.string);
     if (strlen(text) < sizeof doubled / 2) {
-      strcpy(doubled, text);
-      strcat(doubled, text);
+      snprintf(doubled, sizeof doubled, "%s%s", text, text);
     }
   }
   CMAddArg(out, "Doubled", doubled, CMPI_chars);
