@@ -1,7 +1,9 @@
 #include "cli/Request.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <optional>
 
 #include "cli/UsageError.h"
@@ -26,54 +28,68 @@ std::string Usage(const VerbInfo& verb) {
   throw UsageError(std::string(verb.name) + ": " + problem + " (" + Usage(verb) + ")");
 }
 
-// The association filter field an option names, or null when the verb does
-// not take that option.
-std::optional<std::string>* FilterField(const std::string& option, Verb verb,
-                                        AssociationFilter& filter) {
-  const bool associators = IsAssociation(verb);
-  if (!associators && !IsReference(verb)) {
-    return nullptr;
-  }
-  if (option == "--result-class") {
-    return &filter.resultClass;
-  }
-  if (option == "--role") {
-    return &filter.role;
-  }
-  if (associators && option == "--assoc-class") {
-    return &filter.assocClass;
-  }
-  if (associators && option == "--result-role") {
-    return &filter.resultRole;
-  }
-  return nullptr;
+// The filter options, and whether only ai and ain take them.
+const struct FilterOption {
+  const char* name;
+  std::optional<std::string> AssociationFilter::*field;
+  bool associatorsOnly;
+} kFilterOptions[] = {{"--assoc-class", &AssociationFilter::assocClass, true},
+                      {"--result-class", &AssociationFilter::resultClass, false},
+                      {"--role", &AssociationFilter::role, false},
+                      {"--result-role", &AssociationFilter::resultRole, true}};
+
+// CLI11 starts its messages with the option's name.
+std::string OptionIn(const CLI::Error& error) {
+  const std::string what = error.what();
+  return what.substr(0, what.find(':'));
 }
 
-// Reads the option at words[index] ("--name VALUE" or "--name=VALUE").
-void ReadOption(const VerbInfo& verb, const std::vector<std::string>& words, std::size_t& index,
-                AssociationFilter& filter) {
-  const std::string& word = words[index];
-  const std::size_t equals = word.find('=');
-  const std::string option = word.substr(0, equals);
-  std::optional<std::string>* field = FilterField(option, verb.verb, filter);
-  if (field == nullptr) {
-    Fail(verb, "unknown option " + option);
+// Reads the filter options among `words` (those after the verb) into
+// `filter` and returns the other words in order.
+std::vector<std::string> ReadOptions(const VerbInfo& verb, std::vector<std::string> words,
+                                     AssociationFilter& filter) {
+  CLI::App app;
+  app.set_help_flag();
+  app.allow_extras();  // any other option is reported as ours below
+  std::vector<std::string> positional;
+  app.add_option("words", positional);
+  std::string values[std::size(kFilterOptions)];
+  CLI::Option* taken[std::size(kFilterOptions)] = {};
+  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+    const FilterOption& option = kFilterOptions[index];
+    if (IsReference(verb.verb) ? !option.associatorsOnly : IsAssociation(verb.verb)) {
+      taken[index] = app.add_option(option.name, values[index])
+                         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+    }
   }
-  std::string value;
-  if (equals != std::string::npos) {
-    value = word.substr(equals + 1);
-  } else if (index + 1 < words.size()) {
-    value = words[++index];
-  } else {
-    Fail(verb, "option " + option + " needs a value");
+  const std::string last = words.empty() ? "" : words.back();
+  std::reverse(words.begin(), words.end());
+  try {
+    app.parse(words);
+  } catch (const CLI::ArgumentMismatch& error) {
+    // Only the last word can lack its value: an option takes the next word,
+    // whatever it is; otherwise the value was written empty ("--role=").
+    const std::string option = OptionIn(error);
+    Fail(verb, "option " + option +
+                   (app.count(option) > 1 ? " is given twice"
+                    : last == option      ? " needs a value"
+                                          : " needs a non-empty value"));
+  } catch (const CLI::ParseError& error) {
+    Fail(verb, error.what());
   }
-  if (value.empty()) {
-    Fail(verb, "option " + option + " needs a non-empty value");
+  for (const std::string& word : app.remaining()) {
+    Fail(verb, "unknown option " + word.substr(0, word.find('=')));
   }
-  if (field->has_value()) {
-    Fail(verb, "option " + option + " is given twice");
+  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+    if (taken[index] == nullptr || taken[index]->count() == 0) {
+      continue;
+    }
+    if (values[index].empty()) {
+      Fail(verb, "option " + std::string(kFilterOptions[index].name) + " needs a non-empty value");
+    }
+    filter.*kFilterOptions[index].field = values[index];
   }
-  *field = value;
+  return positional;
 }
 
 MethodArgument ReadArgument(const VerbInfo& verb, const std::string& word) {
@@ -137,14 +153,8 @@ Request ParseRequest(const std::vector<std::string>& words) {
   if (verb.operation[0] == '\0') {
     throw UsageError(std::string(verb.name) + " is not a request verb here");
   }
-  std::vector<std::string> positional;
-  for (std::size_t index = 1; index < words.size(); ++index) {
-    if (words[index].compare(0, 2, "--") == 0) {
-      ReadOption(verb, words, index, request.filter);
-    } else {
-      positional.push_back(words[index]);
-    }
-  }
+  const std::vector<std::string> positional =
+      ReadOptions(verb, {std::next(words.begin()), words.end()}, request.filter);
   const Arity arity = ArityOf(verb.verb);
   if (positional.size() < arity.least) {
     Fail(verb, positional.empty() ? std::string("missing ") + FirstPlaceholder(verb)
