@@ -2,9 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <iterator>
 #include <optional>
+#include <sstream>
+#include <utility>
 
 #include "cli/UsageError.h"
 
@@ -44,84 +47,12 @@ std::string OptionIn(const CLI::Error& error) {
   return what.substr(0, what.find(':'));
 }
 
-// Reads the filter options among `words` (those after the verb) into
-// `filter` and returns the other words in order.
-std::vector<std::string> ReadOptions(const VerbInfo& verb, std::vector<std::string> words,
-                                     AssociationFilter& filter) {
-  CLI::App app;
-  app.set_help_flag();
-  app.allow_extras();  // any other option is reported as ours below
-  std::vector<std::string> positional;
-  app.add_option("words", positional);
-  std::string values[std::size(kFilterOptions)];
-  CLI::Option* taken[std::size(kFilterOptions)] = {};
-  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
-    const FilterOption& option = kFilterOptions[index];
-    if (IsReference(verb.verb) ? !option.associatorsOnly : IsAssociation(verb.verb)) {
-      taken[index] = app.add_option(option.name, values[index])
-                         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
-    }
-  }
-  const std::string last = words.empty() ? "" : words.back();
-  std::reverse(words.begin(), words.end());
-  try {
-    app.parse(words);
-  } catch (const CLI::ArgumentMismatch& error) {
-    // Only the last word can lack its value: an option takes the next word,
-    // whatever it is; otherwise the value was written empty ("--role=").
-    const std::string option = OptionIn(error);
-    Fail(verb, "option " + option +
-                   (app.count(option) > 1 ? " is given twice"
-                    : last == option      ? " needs a value"
-                                          : " needs a non-empty value"));
-  } catch (const CLI::ParseError& error) {
-    Fail(verb, error.what());
-  }
-  for (const std::string& word : app.remaining()) {
-    Fail(verb, "unknown option " + word.substr(0, word.find('=')));
-  }
-  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
-    if (taken[index] == nullptr || taken[index]->count() == 0) {
-      continue;
-    }
-    if (values[index].empty()) {
-      Fail(verb, "option " + std::string(kFilterOptions[index].name) + " needs a non-empty value");
-    }
-    filter.*kFilterOptions[index].field = values[index];
-  }
-  return positional;
-}
-
 MethodArgument ReadArgument(const VerbInfo& verb, const std::string& word) {
   const std::size_t equals = word.find('=');
   if (equals == std::string::npos || equals == 0) {
     Fail(verb, "argument \"" + word + "\" is not NAME=VALUE");
   }
   return MethodArgument{word.substr(0, equals), word.substr(equals + 1)};
-}
-
-// How many positional words the verb takes at least and at most (-1: any).
-struct Arity {
-  std::size_t least;
-  std::size_t most;
-};
-
-Arity ArityOf(Verb verb) {
-  switch (verb) {
-    case Verb::kEnumerateClassNames:
-      return {0, 1};
-    case Verb::kInvokeMethod:
-      return {2, static_cast<std::size_t>(-1)};
-    default:
-      return {1, 1};
-  }
-}
-
-const char* FirstPlaceholder(const VerbInfo& verb) {
-  return IsAssociation(verb.verb) || IsReference(verb.verb) || verb.verb == Verb::kGetInstance ||
-                 verb.verb == Verb::kInvokeMethod
-             ? "PATH"
-             : "CLASS";
 }
 
 }  // namespace
@@ -146,6 +77,86 @@ const VerbInfo& VerbOf(const std::vector<std::string>& words) {
   return *verb;
 }
 
+std::vector<std::string> ReadArguments(const VerbInfo& verb, std::vector<std::string> words,
+                                       AssociationFilter& filter) {
+  CLI::App app;
+  app.set_help_flag();
+  app.allow_extras();  // unknown options and surplus words are reported as ours below
+  // The synopsis names the words: NAME is required, [NAME] optional and
+  // [NAME=VALUE ...] any number more.
+  std::istringstream synopsis(verb.synopsis);
+  std::vector<std::pair<std::string, std::string>> named;
+  named.reserve(3);  // CLI11 keeps pointers to the values
+  std::vector<std::string> rest;
+  for (std::string token; synopsis >> token;) {
+    if (token == "[NAME=VALUE") {
+      app.add_option("NAME=VALUE", rest);
+    } else if (token.find_first_of("[]") == std::string::npos ||
+               (token[0] == '[' && token.back() == ']' &&
+                std::isupper(static_cast<unsigned char>(token[1])) != 0)) {
+      const bool required = token[0] != '[';
+      named.emplace_back(required ? token : token.substr(1, token.size() - 2), "");
+      app.add_option(named.back().first, named.back().second)->required(required);
+    }
+  }
+  std::string values[std::size(kFilterOptions)];
+  CLI::Option* taken[std::size(kFilterOptions)] = {};
+  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+    const FilterOption& option = kFilterOptions[index];
+    if (IsReference(verb.verb) ? !option.associatorsOnly : IsAssociation(verb.verb)) {
+      taken[index] = app.add_option(option.name, values[index])
+                         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+    }
+  }
+  const std::string last = words.empty() ? "" : words.back();
+  std::reverse(words.begin(), words.end());
+  try {
+    app.parse(words);
+  } catch (const CLI::RequiredError& error) {
+    const std::string what = error.what();
+    Fail(verb, "missing " + what.substr(0, what.find(' ')));
+  } catch (const CLI::ArgumentMismatch& error) {
+    // Only the last word can lack its value: an option takes the next word,
+    // whatever it is; otherwise the value was written empty ("--role=").
+    const std::string option = OptionIn(error);
+    Fail(verb, "option " + option +
+                   (app.count(option) > 1 ? " is given twice"
+                    : last == option      ? " needs a value"
+                                          : " needs a non-empty value"));
+  } catch (const CLI::ParseError& error) {
+    Fail(verb, error.what());
+  }
+  const std::vector<std::string> extras = app.remaining();
+  for (const std::string& word : extras) {
+    if (word.compare(0, 2, "--") == 0) {
+      Fail(verb, "unknown option " + word.substr(0, word.find('=')));
+    }
+  }
+  if (!extras.empty()) {
+    Fail(verb, "unexpected argument \"" + extras[0] + "\"");
+  }
+  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+    if (taken[index] == nullptr || taken[index]->count() == 0) {
+      continue;
+    }
+    if (values[index].empty()) {
+      Fail(verb, "option " + std::string(kFilterOptions[index].name) + " needs a non-empty value");
+    }
+    filter.*kFilterOptions[index].field = values[index];
+  }
+  std::vector<std::string> given;
+  for (const auto& [name, value] : named) {
+    if (app.count(name) > 0 && value.empty()) {
+      Fail(verb, "empty " + name);
+    }
+    if (app.count(name) > 0) {
+      given.push_back(value);
+    }
+  }
+  given.insert(given.end(), rest.begin(), rest.end());
+  return given;
+}
+
 Request ParseRequest(const std::vector<std::string>& words) {
   Request request;
   request.verb = &VerbOf(words);
@@ -154,26 +165,12 @@ Request ParseRequest(const std::vector<std::string>& words) {
     throw UsageError(std::string(verb.name) + " is not a request verb here");
   }
   const std::vector<std::string> positional =
-      ReadOptions(verb, {std::next(words.begin()), words.end()}, request.filter);
-  const Arity arity = ArityOf(verb.verb);
-  if (positional.size() < arity.least) {
-    Fail(verb, positional.empty() ? std::string("missing ") + FirstPlaceholder(verb)
-                                  : std::string("missing METHOD"));
-  }
-  if (positional.size() > arity.most) {
-    Fail(verb, "unexpected argument \"" + positional[arity.most] + "\"");
-  }
+      ReadArguments(verb, {std::next(words.begin()), words.end()}, request.filter);
   if (!positional.empty()) {
     request.target = positional[0];
-    if (request.target.empty()) {
-      Fail(verb, std::string("empty ") + FirstPlaceholder(verb));
-    }
   }
   if (verb.verb == Verb::kInvokeMethod) {
     request.method = positional[1];
-    if (request.method.empty()) {
-      Fail(verb, "empty METHOD");
-    }
     for (std::size_t index = 2; index < positional.size(); ++index) {
       request.arguments.push_back(ReadArgument(verb, positional[index]));
     }
