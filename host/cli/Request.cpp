@@ -47,6 +47,110 @@ std::string OptionIn(const CLI::Error& error) {
   return what.substr(0, what.find(':'));
 }
 
+// One verb's words as CLI11 reads them; its errors become our messages.
+class VerbCommandLine {
+ public:
+  explicit VerbCommandLine(const VerbInfo& verb) : verb_(verb) {
+    app_.set_help_flag();
+    app_.allow_extras();  // unknown options and surplus words are reported as ours
+    addPositionals();
+    for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+      const FilterOption& option = kFilterOptions[index];
+      if (IsReference(verb.verb) ? !option.associatorsOnly : IsAssociation(verb.verb)) {
+        taken_[index] = app_.add_option(option.name, values_[index])
+                            ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+      }
+    }
+  }
+
+  void parse(std::vector<std::string> words) {
+    const std::string last = words.empty() ? "" : words.back();
+    std::reverse(words.begin(), words.end());
+    try {
+      app_.parse(words);
+    } catch (const CLI::RequiredError& error) {
+      const std::string what = error.what();
+      Fail(verb_, "missing " + what.substr(0, what.find(' ')));
+    } catch (const CLI::ArgumentMismatch& error) {
+      // Only the last word can lack its value: an option takes the next word,
+      // whatever it is; otherwise the value was written empty ("--role=").
+      const std::string option = OptionIn(error);
+      Fail(verb_, "option " + option +
+                      (app_.count(option) > 1 ? " is given twice"
+                       : last == option       ? " needs a value"
+                                              : " needs a non-empty value"));
+    } catch (const CLI::ParseError& error) {
+      Fail(verb_, error.what());
+    }
+    refuseExtras();
+  }
+
+  void readFilter(AssociationFilter& filter) const {
+    for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+      if (taken_[index] == nullptr || taken_[index]->count() == 0) {
+        continue;
+      }
+      if (values_[index].empty()) {
+        Fail(verb_,
+             "option " + std::string(kFilterOptions[index].name) + " needs a non-empty value");
+      }
+      filter.*kFilterOptions[index].field = values_[index];
+    }
+  }
+
+  std::vector<std::string> positional() const {
+    std::vector<std::string> given;
+    for (const auto& [name, value] : named_) {
+      if (app_.count(name) > 0 && value.empty()) {
+        Fail(verb_, "empty " + name);
+      }
+      if (app_.count(name) > 0) {
+        given.push_back(value);
+      }
+    }
+    given.insert(given.end(), rest_.begin(), rest_.end());
+    return given;
+  }
+
+ private:
+  // The synopsis names the words: NAME is required, [NAME] optional and
+  // [NAME=VALUE ...] any number more.
+  void addPositionals() {
+    std::istringstream synopsis(verb_.synopsis);
+    named_.reserve(3);  // CLI11 keeps pointers to the values
+    for (std::string token; synopsis >> token;) {
+      if (token == "[NAME=VALUE") {
+        app_.add_option("NAME=VALUE", rest_);
+      } else if (token.find_first_of("[]") == std::string::npos ||
+                 (token[0] == '[' && token.back() == ']' &&
+                  std::isupper(static_cast<unsigned char>(token[1])) != 0)) {
+        const bool required = token[0] != '[';
+        named_.emplace_back(required ? token : token.substr(1, token.size() - 2), "");
+        app_.add_option(named_.back().first, named_.back().second)->required(required);
+      }
+    }
+  }
+
+  void refuseExtras() const {
+    const std::vector<std::string> extras = app_.remaining();
+    for (const std::string& word : extras) {
+      if (word.compare(0, 2, "--") == 0) {
+        Fail(verb_, "unknown option " + word.substr(0, word.find('=')));
+      }
+    }
+    if (!extras.empty()) {
+      Fail(verb_, "unexpected argument \"" + extras[0] + "\"");
+    }
+  }
+
+  const VerbInfo& verb_;
+  CLI::App app_;
+  std::vector<std::pair<std::string, std::string>> named_;
+  std::vector<std::string> rest_;
+  std::string values_[std::size(kFilterOptions)];
+  CLI::Option* taken_[std::size(kFilterOptions)] = {};
+};
+
 MethodArgument ReadArgument(const VerbInfo& verb, const std::string& word) {
   const std::size_t equals = word.find('=');
   if (equals == std::string::npos || equals == 0) {
@@ -79,82 +183,10 @@ const VerbInfo& VerbOf(const std::vector<std::string>& words) {
 
 std::vector<std::string> ReadArguments(const VerbInfo& verb, std::vector<std::string> words,
                                        AssociationFilter& filter) {
-  CLI::App app;
-  app.set_help_flag();
-  app.allow_extras();  // unknown options and surplus words are reported as ours below
-  // The synopsis names the words: NAME is required, [NAME] optional and
-  // [NAME=VALUE ...] any number more.
-  std::istringstream synopsis(verb.synopsis);
-  std::vector<std::pair<std::string, std::string>> named;
-  named.reserve(3);  // CLI11 keeps pointers to the values
-  std::vector<std::string> rest;
-  for (std::string token; synopsis >> token;) {
-    if (token == "[NAME=VALUE") {
-      app.add_option("NAME=VALUE", rest);
-    } else if (token.find_first_of("[]") == std::string::npos ||
-               (token[0] == '[' && token.back() == ']' &&
-                std::isupper(static_cast<unsigned char>(token[1])) != 0)) {
-      const bool required = token[0] != '[';
-      named.emplace_back(required ? token : token.substr(1, token.size() - 2), "");
-      app.add_option(named.back().first, named.back().second)->required(required);
-    }
-  }
-  std::string values[std::size(kFilterOptions)];
-  CLI::Option* taken[std::size(kFilterOptions)] = {};
-  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
-    const FilterOption& option = kFilterOptions[index];
-    if (IsReference(verb.verb) ? !option.associatorsOnly : IsAssociation(verb.verb)) {
-      taken[index] = app.add_option(option.name, values[index])
-                         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
-    }
-  }
-  const std::string last = words.empty() ? "" : words.back();
-  std::reverse(words.begin(), words.end());
-  try {
-    app.parse(words);
-  } catch (const CLI::RequiredError& error) {
-    const std::string what = error.what();
-    Fail(verb, "missing " + what.substr(0, what.find(' ')));
-  } catch (const CLI::ArgumentMismatch& error) {
-    // Only the last word can lack its value: an option takes the next word,
-    // whatever it is; otherwise the value was written empty ("--role=").
-    const std::string option = OptionIn(error);
-    Fail(verb, "option " + option +
-                   (app.count(option) > 1 ? " is given twice"
-                    : last == option      ? " needs a value"
-                                          : " needs a non-empty value"));
-  } catch (const CLI::ParseError& error) {
-    Fail(verb, error.what());
-  }
-  const std::vector<std::string> extras = app.remaining();
-  for (const std::string& word : extras) {
-    if (word.compare(0, 2, "--") == 0) {
-      Fail(verb, "unknown option " + word.substr(0, word.find('=')));
-    }
-  }
-  if (!extras.empty()) {
-    Fail(verb, "unexpected argument \"" + extras[0] + "\"");
-  }
-  for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
-    if (taken[index] == nullptr || taken[index]->count() == 0) {
-      continue;
-    }
-    if (values[index].empty()) {
-      Fail(verb, "option " + std::string(kFilterOptions[index].name) + " needs a non-empty value");
-    }
-    filter.*kFilterOptions[index].field = values[index];
-  }
-  std::vector<std::string> given;
-  for (const auto& [name, value] : named) {
-    if (app.count(name) > 0 && value.empty()) {
-      Fail(verb, "empty " + name);
-    }
-    if (app.count(name) > 0) {
-      given.push_back(value);
-    }
-  }
-  given.insert(given.end(), rest.begin(), rest.end());
-  return given;
+  VerbCommandLine commandLine(verb);
+  commandLine.parse(std::move(words));
+  commandLine.readFilter(filter);
+  return commandLine.positional();
 }
 
 Request ParseRequest(const std::vector<std::string>& words) {
