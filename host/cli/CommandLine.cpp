@@ -1,5 +1,6 @@
-#include "cli/CommandLine.h"
-
+// The whole command: options, loading, then one verb, a script file or the
+// commands on standard input. The exit code is 0 for success, 1 when a
+// request failed, 2 for bad usage or input.
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -71,33 +73,22 @@ Plan MakePlan(const std::vector<std::string>& words) {
     return plan;
   }
   const VerbInfo& verb = VerbOf(words);
+  if (verb.operation[0] != '\0') {
+    plan.request = ParseRequest(words);
+    return plan;
+  }
+  AssociationFilter none;
+  const std::vector<std::string> arguments =
+      ReadArguments(verb, {std::next(words.begin()), words.end()}, none);
   if (verb.verb == Verb::kStdin) {
-    if (words.size() > 1) {
-      throw UsageError("-: unexpected argument \"" + words[1] + "\" (usage: cmpihost -)");
-    }
     plan.kind = Plan::Kind::kStandardInput;
   } else if (verb.verb == Verb::kRun) {
-    if (words.size() != 2) {
-      throw UsageError(
-          std::string("run: ") +
-          (words.size() < 2 ? "missing FILE" : "unexpected argument \"" + words[2] + "\"") +
-          " (usage: cmpihost run FILE)");
-    }
     plan.kind = Plan::Kind::kScriptFile;
-    plan.scriptPath = words[1];
+    plan.scriptPath = arguments[0];
     plan.scriptText = ReadScript(plan.scriptPath);
   } else if (verb.verb == Verb::kNew) {
-    if (words.size() != 3) {
-      throw UsageError(std::string("new: ") +
-                       (words.size() < 3
-                            ? std::string(words.size() < 2 ? "missing PREFIX" : "missing DIR")
-                            : "unexpected argument \"" + words[3] + "\"") +
-                       " (usage: cmpihost new PREFIX DIR)");
-    }
     plan.kind = Plan::Kind::kScaffold;
-    plan.scaffold = {words[1], words[2]};
-  } else {
-    plan.request = ParseRequest(words);
+    plan.scaffold = arguments;
   }
   return plan;
 }
@@ -204,8 +195,6 @@ int Refused(bool json, const std::string& message, int exitCode) {
   return exitCode;
 }
 
-}  // namespace
-
 int RunCommandLine(int argc, const char* const* argv) {
   bool json = false;
   try {
@@ -219,4 +208,9 @@ int RunCommandLine(int argc, const char* const* argv) {
   }
 }
 
+}  // namespace
 }  // namespace cmpihost::cli
+
+int main(int argc, char** argv) {
+  return cmpihost::cli::RunCommandLine(argc, argv);
+}

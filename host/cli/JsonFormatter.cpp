@@ -1,220 +1,192 @@
 #include "cli/JsonFormatter.h"
 
-#include "cli/JsonWriter.h"
+#include <cmath>
+#include <nlohmann/json.hpp>
+
 #include "cmpihost/CmpiNames.h"
 
 namespace cmpihost::cli {
 namespace {
 
-void WriteScalar(JsonWriter& json, const Value& value, CMPIType type) {
+// Members keep the order they are added in, as the documents are read by
+// people too.
+using Json = nlohmann::ordered_json;
+
+// Non-finite reals have no JSON form and are written as the strings "NaN",
+// "Infinity" and "-Infinity".
+Json Real(double value) {
+  if (std::isnan(value)) {
+    return "NaN";
+  }
+  if (std::isinf(value)) {
+    return value > 0 ? "Infinity" : "-Infinity";
+  }
+  return value;
+}
+
+Json Scalar(const Value& value, CMPIType type) {
   if (value.isNull()) {
-    json.null();
-    return;
+    return nullptr;
   }
   switch (type) {
     case CMPI_boolean:
-      json.boolean(value.boolean);
-      break;
+      return value.boolean;
     case CMPI_char16:
-      json.string(std::string(1, static_cast<char>(value.uint)));
-      break;
+      return std::string(1, static_cast<char>(value.uint));
     case CMPI_uint8:
     case CMPI_uint16:
     case CMPI_uint32:
     case CMPI_uint64:
-      json.number(value.uint);
-      break;
+      return value.uint;
     case CMPI_sint8:
     case CMPI_sint16:
     case CMPI_sint32:
     case CMPI_sint64:
-      json.number(value.sint);
-      break;
+      return value.sint;
     case CMPI_real32:
     case CMPI_real64:
-      json.number(value.real);
-      break;
+      return Real(value.real);
     default:  // strings, date-times and references: their text
-      json.string(value.text);
+      return value.text;
   }
 }
 
-void WriteValue(JsonWriter& json, const Value& value) {
+Json ValueOf(const Value& value) {
   if (!value.isArray() || value.isNull()) {
-    WriteScalar(json, value, value.type);
-    return;
+    return Scalar(value, value.type);
   }
   const auto elementType = static_cast<CMPIType>(value.type & ~CMPI_ARRAY);
-  json.beginArray();
+  Json elements = Json::array();
   for (const Value& element : value.elements) {
-    WriteScalar(json, element, elementType);
+    elements.push_back(Scalar(element, elementType));
   }
-  json.endArray();
+  return elements;
 }
 
-void WriteTyped(JsonWriter& json, const Value& value) {
-  json.beginObject().key("type").string(CmpiTypeName(value.type)).key("value");
-  WriteValue(json, value);
-  json.endObject();
+Json Typed(const Value& value) {
+  return Json{{"type", CmpiTypeName(value.type)}, {"value", ValueOf(value)}};
 }
 
-void WriteNamedValues(JsonWriter& json, const std::vector<Property>& values) {
-  json.beginObject();
+Json NamedValues(const std::vector<Property>& values) {
+  Json object = Json::object();
   for (const Property& each : values) {
-    json.key(each.name);
-    WriteTyped(json, each.value);
+    object[each.name] = Typed(each.value);
   }
-  json.endObject();
+  return object;
 }
 
-void WriteInstance(JsonWriter& json, const InstanceSnapshot& instance) {
-  json.beginObject().key("className").string(instance.className).key("path").string(instance.path);
-  json.key("properties");
-  WriteNamedValues(json, instance.properties);
-  json.endObject();
+Json Instance(const InstanceSnapshot& instance) {
+  return Json{{"className", instance.className},
+              {"path", instance.path},
+              {"properties", NamedValues(instance.properties)}};
 }
 
-std::string Strings(const std::vector<std::string>& texts) {
-  JsonWriter json;
-  json.beginArray();
-  for (const std::string& text : texts) {
-    json.string(text);
-  }
-  json.endArray();
-  return json.text() + "\n";
+// One document on one line. Bytes that are not UTF-8 (a provider's raw
+// text) become U+FFFD rather than making the whole answer fail.
+std::string Line(const Json& document) {
+  return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 // The type as instances name it ("uint32", "string[]", "ref"), and for a
 // reference its class.
-void WriteType(JsonWriter& json, const TypeDecl& type) {
-  json.key("type").string(std::string(CimTypeName(type.type)) + (type.isArray ? "[]" : ""));
+void AddType(Json& object, const TypeDecl& type) {
+  object["type"] = std::string(CimTypeName(type.type)) + (type.isArray ? "[]" : "");
   if (type.type == CimType::kReference) {
-    json.key("refClass").string(type.refClass);
+    object["refClass"] = type.refClass;
   }
 }
 
-void WriteMethod(JsonWriter& json, const MethodDecl& method) {
-  json.beginObject().key("returnType").string(CimTypeName(method.returnType.type));
-  json.key("parameters").beginArray();
+Json Method(const MethodDecl& method) {
+  Json parameters = Json::array();
   for (const ParameterDecl& parameter : method.parameters) {
-    json.beginObject().key("name").string(parameter.name);
-    WriteType(json, parameter.type);
-    json.key("in").boolean(parameter.isIn).key("out").boolean(parameter.isOut).endObject();
+    Json each{{"name", parameter.name}};
+    AddType(each, parameter.type);
+    each["in"] = parameter.isIn;
+    each["out"] = parameter.isOut;
+    parameters.push_back(std::move(each));
   }
-  json.endArray().endObject();
+  return Json{{"returnType", CimTypeName(method.returnType.type)}, {"parameters", parameters}};
 }
 
 }  // namespace
 
 std::string JsonFormatter::classDeclaration(const ClassDecl& decl) const {
-  JsonWriter json;
-  json.beginObject().key("className").string(decl.name()).key("superClass");
-  if (decl.superName().empty()) {
-    json.null();
-  } else {
-    json.string(decl.superName());
-  }
-  json.key("association").boolean(decl.isAssociation());
-  json.key("abstract").boolean(decl.isAbstract());
-  json.key("keys").beginArray();
+  Json keys = Json::array();
   for (const PropertyDecl* key : decl.keyProperties()) {
-    json.string(key->name);
+    keys.push_back(key->name);
   }
-  json.endArray().key("properties").beginObject();
+  Json properties = Json::object();
   for (const PropertyDecl& property : decl.properties()) {
-    json.key(property.name).beginObject();
-    WriteType(json, property.type);
-    json.key("key").boolean(property.isKey).endObject();
+    Json each = Json::object();
+    AddType(each, property.type);
+    each["key"] = property.isKey;
+    properties[property.name] = std::move(each);
   }
-  json.endObject().key("methods").beginObject();
+  Json methods = Json::object();
   for (const MethodDecl& method : decl.methods()) {
-    json.key(method.name);
-    WriteMethod(json, method);
+    methods[method.name] = Method(method);
   }
-  json.endObject().endObject();
-  return json.text() + "\n";
+  return Line(
+      Json{{"className", decl.name()},
+           {"superClass", decl.superName().empty() ? Json(nullptr) : Json(decl.superName())},
+           {"association", decl.isAssociation()},
+           {"abstract", decl.isAbstract()},
+           {"keys", keys},
+           {"properties", properties},
+           {"methods", methods}});
 }
 
 std::string JsonFormatter::failure(const CMPIrc* code, const std::string& message) const {
-  JsonWriter json;
-  json.beginObject().key("error").beginObject().key("code");
-  if (code != nullptr) {
-    json.number(static_cast<std::int64_t>(*code)).key("name").string(CmpiStatusName(*code));
-  } else {
-    json.null().key("name").string("usage");
-  }
-  json.key("message").string(message).endObject().endObject();
-  return json.text() + "\n";
+  Json error = code != nullptr ? Json{{"code", static_cast<std::int64_t>(*code)},
+                                      {"name", CmpiStatusName(*code)}}
+                               : Json{{"code", nullptr}, {"name", "usage"}};
+  error["message"] = message;
+  return Line(Json{{"error", error}});
 }
 
 std::string JsonFormatter::classNames(const std::vector<std::string>& names) const {
-  return Strings(names);
+  return Line(names);
 }
 
 std::string JsonFormatter::paths(const std::vector<std::string>& paths) const {
-  return Strings(paths);
+  return Line(paths);
 }
 
 std::string JsonFormatter::instances(const std::vector<InstanceSnapshot>& instances) const {
-  JsonWriter json;
-  json.beginArray();
+  Json array = Json::array();
   for (const InstanceSnapshot& each : instances) {
-    WriteInstance(json, each);
+    array.push_back(Instance(each));
   }
-  json.endArray();
-  return json.text() + "\n";
+  return Line(array);
 }
 
 std::string JsonFormatter::instance(const InstanceSnapshot& instance) const {
-  JsonWriter json;
-  WriteInstance(json, instance);
-  return json.text() + "\n";
+  return Line(Instance(instance));
 }
 
 std::string JsonFormatter::methodResult(const Value* returnValue,
                                         const std::vector<Property>& outArguments) const {
-  JsonWriter json;
-  json.beginObject().key("returnValue");
-  if (returnValue != nullptr) {
-    WriteTyped(json, *returnValue);
-  } else {
-    json.null();
-  }
-  json.key("outArguments");
-  WriteNamedValues(json, outArguments);
-  json.endObject();
-  return json.text() + "\n";
+  return Line(Json{{"returnValue", returnValue != nullptr ? Typed(*returnValue) : Json(nullptr)},
+                   {"outArguments", NamedValues(outArguments)}});
 }
 
 std::string JsonFormatter::directive(const std::string& name, const std::string& argument) const {
-  JsonWriter json;
-  json.beginObject().key(name).string(argument).endObject();
-  return json.text() + "\n";
+  return Line(Json{{name, argument}});
 }
 
 std::string JsonFormatter::echo(const std::string& text) const {
-  JsonWriter json;
-  json.beginObject().key("echo").string(text).endObject();
-  return json.text() + "\n";
+  return Line(Json{{"echo", text}});
 }
 
 std::string JsonFormatter::unloadAnswers(const std::vector<UnloadAnswer>& answers) const {
-  JsonWriter json;
-  json.beginArray();
+  Json array = Json::array();
   for (const UnloadAnswer& answer : answers) {
-    json.beginObject()
-        .key("provider")
-        .string(answer.providerName)
-        .key("kind")
-        .string(answer.kind)
-        .key("rc")
-        .string(CmpiStatusName(answer.status.rc))
-        .key("unloaded")
-        .boolean(answer.unloaded)
-        .endObject();
+    array.push_back(Json{{"provider", answer.providerName},
+                         {"kind", answer.kind},
+                         {"rc", CmpiStatusName(answer.status.rc)},
+                         {"unloaded", answer.unloaded}});
   }
-  json.endArray();
-  return json.text() + "\n";
+  return Line(array);
 }
 
 std::string JsonFormatter::listingSeparator() const {

@@ -1,8 +1,13 @@
 #include "cli/Request.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
+#include <iterator>
 #include <optional>
+#include <sstream>
+#include <utility>
 
 #include "cli/UsageError.h"
 
@@ -26,55 +31,125 @@ std::string Usage(const VerbInfo& verb) {
   throw UsageError(std::string(verb.name) + ": " + problem + " (" + Usage(verb) + ")");
 }
 
-// The association filter field an option names, or null when the verb does
-// not take that option.
-std::optional<std::string>* FilterField(const std::string& option, Verb verb,
-                                        AssociationFilter& filter) {
-  const bool associators = IsAssociation(verb);
-  if (!associators && !IsReference(verb)) {
-    return nullptr;
-  }
-  if (option == "--result-class") {
-    return &filter.resultClass;
-  }
-  if (option == "--role") {
-    return &filter.role;
-  }
-  if (associators && option == "--assoc-class") {
-    return &filter.assocClass;
-  }
-  if (associators && option == "--result-role") {
-    return &filter.resultRole;
-  }
-  return nullptr;
+// The filter options, and whether only ai and ain take them.
+const struct FilterOption {
+  const char* name;
+  std::optional<std::string> AssociationFilter::*field;
+  bool associatorsOnly;
+} kFilterOptions[] = {{"--assoc-class", &AssociationFilter::assocClass, true},
+                      {"--result-class", &AssociationFilter::resultClass, false},
+                      {"--role", &AssociationFilter::role, false},
+                      {"--result-role", &AssociationFilter::resultRole, true}};
+
+// CLI11 starts its messages with the option's name.
+std::string OptionIn(const CLI::Error& error) {
+  const std::string what = error.what();
+  return what.substr(0, what.find(':'));
 }
 
-// Reads the option at words[index] ("--name VALUE" or "--name=VALUE").
-void ReadOption(const VerbInfo& verb, const std::vector<std::string>& words, std::size_t& index,
-                AssociationFilter& filter) {
-  const std::string& word = words[index];
-  const std::size_t equals = word.find('=');
-  const std::string option = word.substr(0, equals);
-  std::optional<std::string>* field = FilterField(option, verb.verb, filter);
-  if (field == nullptr) {
-    Fail(verb, "unknown option " + option);
+// One verb's words as CLI11 reads them; its errors become our messages.
+class VerbCommandLine {
+ public:
+  explicit VerbCommandLine(const VerbInfo& verb) : verb_(verb) {
+    app_.set_help_flag();
+    app_.allow_extras();  // unknown options and surplus words are reported as ours
+    addPositionals();
+    for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+      const FilterOption& option = kFilterOptions[index];
+      if (IsReference(verb.verb) ? !option.associatorsOnly : IsAssociation(verb.verb)) {
+        taken_[index] = app_.add_option(option.name, values_[index])
+                            ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+      }
+    }
   }
-  std::string value;
-  if (equals != std::string::npos) {
-    value = word.substr(equals + 1);
-  } else if (index + 1 < words.size()) {
-    value = words[++index];
-  } else {
-    Fail(verb, "option " + option + " needs a value");
+
+  void parse(std::vector<std::string> words) {
+    const std::string last = words.empty() ? "" : words.back();
+    std::reverse(words.begin(), words.end());
+    try {
+      app_.parse(words);
+    } catch (const CLI::RequiredError& error) {
+      const std::string what = error.what();
+      Fail(verb_, "missing " + what.substr(0, what.find(' ')));
+    } catch (const CLI::ArgumentMismatch& error) {
+      // Only the last word can lack its value: an option takes the next word,
+      // whatever it is; otherwise the value was written empty ("--role=").
+      const std::string option = OptionIn(error);
+      Fail(verb_, "option " + option +
+                      (app_.count(option) > 1 ? " is given twice"
+                       : last == option       ? " needs a value"
+                                              : " needs a non-empty value"));
+    } catch (const CLI::ParseError& error) {
+      Fail(verb_, error.what());
+    }
+    refuseExtras();
   }
-  if (value.empty()) {
-    Fail(verb, "option " + option + " needs a non-empty value");
+
+  void readFilter(AssociationFilter& filter) const {
+    for (std::size_t index = 0; index < std::size(kFilterOptions); ++index) {
+      if (taken_[index] == nullptr || taken_[index]->count() == 0) {
+        continue;
+      }
+      if (values_[index].empty()) {
+        Fail(verb_,
+             "option " + std::string(kFilterOptions[index].name) + " needs a non-empty value");
+      }
+      filter.*kFilterOptions[index].field = values_[index];
+    }
   }
-  if (field->has_value()) {
-    Fail(verb, "option " + option + " is given twice");
+
+  std::vector<std::string> positional() const {
+    std::vector<std::string> given;
+    for (const auto& [name, value] : named_) {
+      if (app_.count(name) > 0 && value.empty()) {
+        Fail(verb_, "empty " + name);
+      }
+      if (app_.count(name) > 0) {
+        given.push_back(value);
+      }
+    }
+    given.insert(given.end(), rest_.begin(), rest_.end());
+    return given;
   }
-  *field = value;
-}
+
+ private:
+  // The synopsis names the words: NAME is required, [NAME] optional and
+  // [NAME=VALUE ...] any number more.
+  void addPositionals() {
+    std::istringstream synopsis(verb_.synopsis);
+    named_.reserve(3);  // CLI11 keeps pointers to the values
+    for (std::string token; synopsis >> token;) {
+      if (token == "[NAME=VALUE") {
+        app_.add_option("NAME=VALUE", rest_);
+      } else if (token.find_first_of("[]") == std::string::npos ||
+                 (token[0] == '[' && token.back() == ']' &&
+                  std::isupper(static_cast<unsigned char>(token[1])) != 0)) {
+        const bool required = token[0] != '[';
+        named_.emplace_back(required ? token : token.substr(1, token.size() - 2), "");
+        app_.add_option(named_.back().first, named_.back().second)->required(required);
+      }
+    }
+  }
+
+  void refuseExtras() const {
+    const std::vector<std::string> extras = app_.remaining();
+    for (const std::string& word : extras) {
+      if (word.compare(0, 2, "--") == 0) {
+        Fail(verb_, "unknown option " + word.substr(0, word.find('=')));
+      }
+    }
+    if (!extras.empty()) {
+      Fail(verb_, "unexpected argument \"" + extras[0] + "\"");
+    }
+  }
+
+  const VerbInfo& verb_;
+  CLI::App app_;
+  std::vector<std::pair<std::string, std::string>> named_;
+  std::vector<std::string> rest_;
+  std::string values_[std::size(kFilterOptions)];
+  CLI::Option* taken_[std::size(kFilterOptions)] = {};
+};
 
 MethodArgument ReadArgument(const VerbInfo& verb, const std::string& word) {
   const std::size_t equals = word.find('=');
@@ -82,30 +157,6 @@ MethodArgument ReadArgument(const VerbInfo& verb, const std::string& word) {
     Fail(verb, "argument \"" + word + "\" is not NAME=VALUE");
   }
   return MethodArgument{word.substr(0, equals), word.substr(equals + 1)};
-}
-
-// How many positional words the verb takes at least and at most (-1: any).
-struct Arity {
-  std::size_t least;
-  std::size_t most;
-};
-
-Arity ArityOf(Verb verb) {
-  switch (verb) {
-    case Verb::kEnumerateClassNames:
-      return {0, 1};
-    case Verb::kInvokeMethod:
-      return {2, static_cast<std::size_t>(-1)};
-    default:
-      return {1, 1};
-  }
-}
-
-const char* FirstPlaceholder(const VerbInfo& verb) {
-  return IsAssociation(verb.verb) || IsReference(verb.verb) || verb.verb == Verb::kGetInstance ||
-                 verb.verb == Verb::kInvokeMethod
-             ? "PATH"
-             : "CLASS";
 }
 
 }  // namespace
@@ -130,6 +181,14 @@ const VerbInfo& VerbOf(const std::vector<std::string>& words) {
   return *verb;
 }
 
+std::vector<std::string> ReadArguments(const VerbInfo& verb, std::vector<std::string> words,
+                                       AssociationFilter& filter) {
+  VerbCommandLine commandLine(verb);
+  commandLine.parse(std::move(words));
+  commandLine.readFilter(filter);
+  return commandLine.positional();
+}
+
 Request ParseRequest(const std::vector<std::string>& words) {
   Request request;
   request.verb = &VerbOf(words);
@@ -137,33 +196,13 @@ Request ParseRequest(const std::vector<std::string>& words) {
   if (verb.operation[0] == '\0') {
     throw UsageError(std::string(verb.name) + " is not a request verb here");
   }
-  std::vector<std::string> positional;
-  for (std::size_t index = 1; index < words.size(); ++index) {
-    if (words[index].compare(0, 2, "--") == 0) {
-      ReadOption(verb, words, index, request.filter);
-    } else {
-      positional.push_back(words[index]);
-    }
-  }
-  const Arity arity = ArityOf(verb.verb);
-  if (positional.size() < arity.least) {
-    Fail(verb, positional.empty() ? std::string("missing ") + FirstPlaceholder(verb)
-                                  : std::string("missing METHOD"));
-  }
-  if (positional.size() > arity.most) {
-    Fail(verb, "unexpected argument \"" + positional[arity.most] + "\"");
-  }
+  const std::vector<std::string> positional =
+      ReadArguments(verb, {std::next(words.begin()), words.end()}, request.filter);
   if (!positional.empty()) {
     request.target = positional[0];
-    if (request.target.empty()) {
-      Fail(verb, std::string("empty ") + FirstPlaceholder(verb));
-    }
   }
   if (verb.verb == Verb::kInvokeMethod) {
     request.method = positional[1];
-    if (request.method.empty()) {
-      Fail(verb, "empty METHOD");
-    }
     for (std::size_t index = 2; index < positional.size(); ++index) {
       request.arguments.push_back(ReadArgument(verb, positional[index]));
     }

@@ -30,6 +30,13 @@ struct Request {
 // (not run, -, help).
 Request ParseRequest(const std::vector<std::string>& words);
 
+// Reads the words after `verb` as its synopsis names them, the filter
+// options into `filter`; returns the positional words in order. Throws
+// UsageError for a missing, empty or surplus word and an unknown, repeated
+// or empty option.
+std::vector<std::string> ReadArguments(const VerbInfo& verb, std::vector<std::string> words,
+                                       AssociationFilter& filter);
+
 // True when the words ask for help: "help ..." or any "--help"/"-h" word.
 bool AsksForHelp(const std::vector<std::string>& words);
 

@@ -225,5 +225,31 @@ TEST(ScriptTest, UnloadIdleShowsEachMisAnswerAndTheNextRequestReloads) {
             "cmpihost: <stdin>:1: unload-idle: unexpected argument \"now\" (usage: unload-idle)\n");
 }
 
+// Global options may follow the verb; --trace=LEVEL prints LEVEL and the
+// more severe records; with --json bad usage is a document too.
+TEST(CommandLineTest, TraceLevelsAndJsonErrors) {
+  const struct {
+    const char* option;
+    const char* err;
+  } cases[] = {
+      {"--trace", "[4 clitest] +++ InvokeMethod\n[trace 2 clitest] Twice called\n"},
+      {"--trace=info", "[trace 2 clitest] Twice called\n"},
+      {"--trace=warning", "[trace 2 clitest] Twice called\n"},
+      {"--trace=error", ""},
+  };
+  for (const auto& c : cases) {
+    const CommandResult twice =
+        RunCmpihost(WithProvider({"cm", "Cli_Widget.Name=\"w1\"", "twice", c.option, "n=1"}));
+    EXPECT_EQ(twice.exitCode, 0) << c.option;
+    EXPECT_EQ(twice.out, "ReturnValue = 2\nDoubled = \"\"\n") << c.option;
+    EXPECT_EQ(twice.err, c.err) << c.option;
+  }
+  const CommandResult option = RunCmpihost({"ein", "X", "--json", "--bogus"});
+  EXPECT_EQ(option.exitCode, 2);
+  EXPECT_EQ(option.out,
+            "{\"error\":{\"code\":null,\"name\":\"usage\",\"message\":\"ein: unknown option "
+            "--bogus (usage: cmpihost ein CLASS)\"}}\n");
+}
+
 }  // namespace
 }  // namespace cmpihost::testing

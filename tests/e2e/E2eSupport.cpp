@@ -50,36 +50,10 @@ std::string ExampleLibDir() {
   return FSD_LIB_DIR;
 }
 
-std::string TestPluginDir() {
-  return std::string(DIAGCORE_SOURCE_DIR) + "/tests/plugin";
-}
-
-std::string TestPluginLibDir() {
-  return DTP_LIB_DIR;
-}
-
-std::string TestDataFile(const std::string& name) {
-  return std::string(DIAGCORE_SOURCE_DIR) + "/tests/e2e/data/" + name;
-}
-
 ProgramResult RunOnExample(const std::vector<std::string>& args) {
   std::vector<std::string> argv = {CmpihostBinary(), "--mof",       SchemaMof(),
                                    "--mof",          ExampleMof(),  "--lib-dir",
                                    ExampleLibDir(),  "--providers", ExampleRegistration()};
-  argv.insert(argv.end(), args.begin(), args.end());
-  return RunProgram(argv);
-}
-
-ProgramResult RunOnTestPlugin(const std::vector<std::string>& args) {
-  std::vector<std::string> argv = {CmpihostBinary(),
-                                   "--mof",
-                                   SchemaMof(),
-                                   "--mof",
-                                   TestPluginDir() + "/diagtestplugin.mof",
-                                   "--lib-dir",
-                                   TestPluginLibDir(),
-                                   "--providers",
-                                   TestPluginDir() + "/diagtestplugin.reg"};
   argv.insert(argv.end(), args.begin(), args.end());
   return RunProgram(argv);
 }
@@ -92,13 +66,9 @@ std::string HostName() {
   return name;
 }
 
-std::string MaskedDates(const std::string& text) {
-  static const std::regex kDateTime(R"(\d{14}\.\d{6}[+-]\d{3})");
-  return std::regex_replace(text, kDateTime, "@DATETIME@");
-}
-
 std::string Masked(const std::string& text, const std::string& systemName) {
-  std::string masked = MaskedDates(text);
+  static const std::regex kDateTime(R"(\d{14}\.\d{6}[+-]\d{3})");
+  std::string masked = std::regex_replace(text, kDateTime, "@DATETIME@");
   masked = ReplaceAll(masked, R"(\")" + systemName + R"(\")", R"(\"@SYSTEM@\")");
   return ReplaceAll(masked, R"(")" + systemName + R"(")", R"("@SYSTEM@")");
 }

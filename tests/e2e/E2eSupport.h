@@ -1,6 +1,6 @@
 // What the end-to-end tests share: where the built programs and the
-// example's files are, how cmpihost is started on the example or on the test
-// plug-in, how machine-dependent text is masked, and golden-file comparison.
+// example's files are, how cmpihost is started on the example, how
+// machine-dependent text is masked, and golden-file comparison.
 #ifndef TESTS_E2E_E2ESUPPORT_H_
 #define TESTS_E2E_E2ESUPPORT_H_
 
@@ -19,26 +19,17 @@ using diagcore_test::ScratchDir;
 // Files of the source tree and the build.
 std::string CmpihostBinary();
 std::string SchemaMof();
-std::string ExampleDir();                           // examples/filesystem-diag in the sources
-std::string ExampleMof();                           // its mof/filesystemdiag.mof
-std::string ExampleRegistration();                  // its deploy/filesystemdiag.reg
-std::string ExampleLibDir();                        // where libfilesystemdiag.so was built
-std::string TestPluginDir();                        // tests/plugin in the sources
-std::string TestPluginLibDir();                     // where libdiagtestplugin.so was built
-std::string TestDataFile(const std::string& name);  // tests/e2e/data/<name>
+std::string ExampleDir();           // examples/filesystem-diag in the sources
+std::string ExampleMof();           // its mof/filesystemdiag.mof
+std::string ExampleRegistration();  // its deploy/filesystemdiag.reg
+std::string ExampleLibDir();        // where libfilesystemdiag.so was built
 
 // cmpihost with the schema, the example's MOF and its registration file
 // (libraries from the build), followed by `args`.
 ProgramResult RunOnExample(const std::vector<std::string>& args);
-// The same with the test plug-in's MOF and registration file.
-ProgramResult RunOnTestPlugin(const std::vector<std::string>& args);
 
 // This machine's name, as the example's provider names the system.
 std::string HostName();
-
-// `text` with every CIM date-time ("20261121063324.680570+000") replaced by
-// "@DATETIME@".
-std::string MaskedDates(const std::string& text);
 
 // `text` with every CIM date-time ("20261121063324.680570+000") replaced by
 // "@DATETIME@", and every quoted occurrence of `systemName` ("name" and the

@@ -1,12 +1,13 @@
 /*
  * The provider the command's tests load: instances of Cli_Widget (w1, w2),
- * the methods Twice and Fail, and the association Cli_WidgetOnShelf from
- * each widget to shelf s1. Every MI call logs "+++ <call>" (severity 4, id
+ * the methods Twice and Fail, and an association MI that answers nothing.
+ * Every MI call logs "+++ <call>" (severity 4, id
  * "clitest"); Twice also traces, so --trace has both kinds to print.
  */
 #include <cmpidt.h>
 #include <cmpift.h>
 #include <cmpimacs.h>
+#include <stdio.h>
 #include <string.h>
 
 static const CMPIBroker* broker;
@@ -19,13 +20,6 @@ static CMPIObjectPath* WidgetPath(const CMPIObjectPath* ref, const char* name) {
   CMPIObjectPath* path =
       CMNewObjectPath(broker, CMGetCharPtr(CMGetNameSpace(ref, NULL)), "Cli_Widget", NULL);
   CMAddKey(path, "Name", name, CMPI_chars);
-  return path;
-}
-
-static CMPIObjectPath* ShelfPath(const CMPIObjectPath* ref) {
-  CMPIObjectPath* path =
-      CMNewObjectPath(broker, CMGetCharPtr(CMGetNameSpace(ref, NULL)), "Cli_Shelf", NULL);
-  CMAddKey(path, "Id", "s1", CMPI_chars);
   return path;
 }
 
@@ -140,8 +134,7 @@ static CMPIStatus Twice(const CMPIResult* rslt, const CMPIArgs* in, CMPIArgs* ou
   if (!(label.state & CMPI_nullValue) && label.value.string != NULL) {
     const char* text = CMGetCharPtr(label.value.string);
     if (strlen(text) < sizeof doubled / 2) {
-      strcpy(doubled, text);
-      strcat(doubled, text);
+      snprintf(doubled, sizeof doubled, "%s%s", text, text);
     }
   }
   CMAddArg(out, "Doubled", doubled, CMPI_chars);
@@ -164,7 +157,7 @@ static CMPIStatus CliTestInvokeMethod(CMPIMethodMI* mi, const CMPIContext* ctx,
   CMReturnWithChars(broker, CMPI_RC_ERR_FAILED, "the widget refused");
 }
 
-/* ---- association MI: every widget is on shelf s1 ---- */
+/* ---- association MI: it serves no links ---- */
 
 static CMPIStatus CliTestAssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* ctx,
                                             CMPIBoolean end) {
@@ -172,18 +165,11 @@ static CMPIStatus CliTestAssociationCleanup(CMPIAssociationMI* mi, const CMPICon
   CMReturn(CMPI_RC_OK);
 }
 
-static int WantsShelf(const CMPIObjectPath* ref, const char* resultClass) {
-  return resultClass == NULL || CMClassPathIsA(broker, ShelfPath(ref), resultClass, NULL);
-}
-
-static CMPIInstance* Link(const CMPIObjectPath* ref) {
-  CMPIObjectPath* path =
-      CMNewObjectPath(broker, CMGetCharPtr(CMGetNameSpace(ref, NULL)), "Cli_WidgetOnShelf", NULL);
-  CMPIInstance* link = CMNewInstance(broker, path, NULL);
-  CMPIObjectPath* shelf = ShelfPath(ref);
-  CMSetProperty(link, "Widget", &ref, CMPI_ref);
-  CMSetProperty(link, "Shelf", &shelf, CMPI_ref);
-  return link;
+/* Answers nothing, so that the command's hint for an empty answer shows. */
+static CMPIStatus Nothing(const CMPIResult* rslt, const char* call) {
+  Log(call);
+  CMReturnDone(rslt);
+  CMReturn(CMPI_RC_OK);
 }
 
 static CMPIStatus CliTestAssociators(CMPIAssociationMI* mi, const CMPIContext* ctx,
@@ -191,54 +177,32 @@ static CMPIStatus CliTestAssociators(CMPIAssociationMI* mi, const CMPIContext* c
                                      const char* assocClass, const char* resultClass,
                                      const char* role, const char* resultRole,
                                      const char** properties) {
-  (void)mi, (void)ctx, (void)assocClass, (void)role, (void)resultRole, (void)properties;
-  Log("+++ Associators");
-  if (WantsShelf(ref, resultClass)) {
-    CMPIInstance* shelf = CMNewInstance(broker, ShelfPath(ref), NULL);
-    CMSetProperty(shelf, "Id", "s1", CMPI_chars);
-    CMReturnInstance(rslt, shelf);
-  }
-  CMReturnDone(rslt);
-  CMReturn(CMPI_RC_OK);
+  (void)mi, (void)ctx, (void)ref, (void)assocClass, (void)resultClass, (void)role, (void)resultRole,
+      (void)properties;
+  return Nothing(rslt, "+++ Associators");
 }
 
 static CMPIStatus CliTestAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
                                          const CMPIResult* rslt, const CMPIObjectPath* ref,
                                          const char* assocClass, const char* resultClass,
                                          const char* role, const char* resultRole) {
-  (void)mi, (void)ctx, (void)assocClass, (void)role, (void)resultRole;
-  Log("+++ AssociatorNames");
-  if (WantsShelf(ref, resultClass)) {
-    CMReturnObjectPath(rslt, ShelfPath(ref));
-  }
-  CMReturnDone(rslt);
-  CMReturn(CMPI_RC_OK);
+  (void)mi, (void)ctx, (void)ref, (void)assocClass, (void)resultClass, (void)role, (void)resultRole;
+  return Nothing(rslt, "+++ AssociatorNames");
 }
 
 static CMPIStatus CliTestReferences(CMPIAssociationMI* mi, const CMPIContext* ctx,
                                     const CMPIResult* rslt, const CMPIObjectPath* ref,
                                     const char* resultClass, const char* role,
                                     const char** properties) {
-  (void)mi, (void)ctx, (void)resultClass, (void)properties;
-  Log("+++ References");
-  if (role == NULL || strcmp(role, "Widget") == 0) {
-    CMReturnInstance(rslt, Link(ref));
-  }
-  CMReturnDone(rslt);
-  CMReturn(CMPI_RC_OK);
+  (void)mi, (void)ctx, (void)ref, (void)resultClass, (void)role, (void)properties;
+  return Nothing(rslt, "+++ References");
 }
 
 static CMPIStatus CliTestReferenceNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
                                         const CMPIResult* rslt, const CMPIObjectPath* ref,
                                         const char* resultClass, const char* role) {
-  (void)mi, (void)ctx, (void)resultClass;
-  Log("+++ ReferenceNames");
-  if (role == NULL || strcmp(role, "Widget") == 0) {
-    CMPIObjectPath* path = CMGetObjectPath(Link(ref), NULL);
-    CMReturnObjectPath(rslt, path);
-  }
-  CMReturnDone(rslt);
-  CMReturn(CMPI_RC_OK);
+  (void)mi, (void)ctx, (void)ref, (void)resultClass, (void)role;
+  return Nothing(rslt, "+++ ReferenceNames");
 }
 
 CMInstanceMIStub(CliTest, CliTest, broker, CMNoHook)

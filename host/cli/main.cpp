@@ -1,5 +1,0 @@
-#include "cli/CommandLine.h"
-
-int main(int argc, char** argv) {
-  return cmpihost::cli::RunCommandLine(argc, argv);
-}
