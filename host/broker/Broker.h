@@ -12,9 +12,6 @@ extern const CMPIBrokerEncFT kBrokerEncFT;
 extern const CMPIBrokerExtFT kBrokerExtFT;
 extern const CMPIBrokerMemFT kBrokerMemFT;
 
-// Points a broker at the tables, with `host` (a Host::Impl) as its handle.
-void InitBroker(CMPIBroker& broker, void* host);
-
 }  // namespace cmpihost
 
 #endif  // CMPIHOST_BROKER_BROKER_H_

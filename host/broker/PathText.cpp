@@ -7,7 +7,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "cmpihost/Host.h"
+#include "cmpihost/HostTypes.h"
 
 namespace cmpihost {
 namespace {
@@ -82,10 +82,10 @@ bool ParseReal(const std::string& text, double& out) {
 }
 
 std::optional<bool> ParseBoolean(const std::string& text) {
-  if (EqualsIgnoreCase(text, "TRUE")) {
+  if (NoCaseEqual(text, "TRUE")) {
     return true;
   }
-  if (EqualsIgnoreCase(text, "FALSE")) {
+  if (NoCaseEqual(text, "FALSE")) {
     return false;
   }
   return std::nullopt;
@@ -355,7 +355,7 @@ PathSyntax ParsePathSyntax(const std::string& text) {
     PathSyntax::Key key;
     key.name = text.substr(nameStart, pos - nameStart);
     for (const PathSyntax::Key& earlier : syntax.keys) {
-      if (EqualsIgnoreCase(earlier.name, key.name)) {
+      if (NoCaseEqual(earlier.name, key.name)) {
         Fail(text, nameStart + 1, "key '" + key.name + "' is given twice");
       }
     }

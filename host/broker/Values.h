@@ -18,6 +18,7 @@
 #include "cmpihost/CmpiNames.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 
@@ -112,12 +113,6 @@ struct ClassShape {
   std::vector<PropertyShape> properties;
   // Index of the property (case-insensitive), or nullopt.
   std::optional<std::size_t> find(std::string_view name) const;
-  // Makes find a hash lookup; call once `properties` is complete and before
-  // the shape is shared. Without it find compares names one by one.
-  void buildIndex();
-
- private:
-  std::vector<std::uint32_t> slots_;  // by name hash: hash tag | property index + 1; 0 is free
 };
 
 struct InstanceData {
@@ -133,10 +128,6 @@ struct InstanceData {
   // in the class's declaration order.
   PathData objectPath() const;
 };
-
-bool EqualsIgnoreCase(const std::string& a, const std::string& b);
-// A stable lower-case form for map keys.
-std::string LowerCase(std::string text);
 
 // `//host/namespace:Class.k1="v",k2=5`: host and namespace only when set,
 // keys in the path's own order.

@@ -54,12 +54,6 @@ const char* OrNull(const std::optional<std::string>& text) {
   return text ? text->c_str() : nullptr;
 }
 
-ShapeLookup LookupOf(Host::Impl& host) {
-  return [&host](const std::string& nameSpace, const std::string& className) {
-    return host.shapeOf(nameSpace, className);
-  };
-}
-
 // --- creating MIs ---
 
 template <typename MI>
@@ -95,7 +89,7 @@ void* CallInProcess(NamedFactory<MI> factory, const CMPIBroker* broker, const CM
   return (mi != nullptr && mi->ft == nullptr) ? nullptr : mi;
 }
 
-void* CallFactory(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
+void* CallFactory(HostState& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
   Scope scope;
   const ContextObject* context =
       CreateInScope<ContextObject>(nullptr, host.contextEntries(provider.nameSpace));
@@ -111,11 +105,12 @@ void* CallFactory(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::s
       const std::string named = provider.name + "_Create_" + kindName + "MI";
       if (void* symbol = dlsym(provider.library, generic.c_str())) {
         factory = generic;
-        mi = CallLibrary(kind, symbol, true, &host.broker, context, provider.name.c_str(), &status);
+        mi = CallLibrary(kind, symbol, true, host.cmpiBroker(), context, provider.name.c_str(),
+                         &status);
       } else if (void* namedSymbol = dlsym(provider.library, named.c_str())) {
         factory = named;
-        mi = CallLibrary(kind, namedSymbol, false, &host.broker, context, provider.name.c_str(),
-                         &status);
+        mi = CallLibrary(kind, namedSymbol, false, host.cmpiBroker(), context,
+                         provider.name.c_str(), &status);
       } else {
         refusal =
             "library " + provider.libraryPath + " exports neither " + generic + " nor " + named;
@@ -125,11 +120,11 @@ void* CallFactory(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::s
       factory = "the in-process " + kindName + " MI factory";
       const MiFactories& factories = provider.factories;
       if (kind == MiKind::kInstance && factories.instance != nullptr) {
-        mi = CallInProcess(factories.instance, &host.broker, context, &status);
+        mi = CallInProcess(factories.instance, host.cmpiBroker(), context, &status);
       } else if (kind == MiKind::kMethod && factories.method != nullptr) {
-        mi = CallInProcess(factories.method, &host.broker, context, &status);
+        mi = CallInProcess(factories.method, host.cmpiBroker(), context, &status);
       } else if (kind == MiKind::kAssociation && factories.association != nullptr) {
-        mi = CallInProcess(factories.association, &host.broker, context, &status);
+        mi = CallInProcess(factories.association, host.cmpiBroker(), context, &status);
       } else {
         refusal = "it was registered without " + kindName + " MI factory";
         return nullptr;
@@ -155,7 +150,7 @@ void* CallFactory(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::s
 }
 
 template <typename MI>
-MI* MiFor(Host::Impl& host, ProviderEntry& provider, MiKind kind, Gathered& gathered) {
+MI* MiFor(HostState& host, ProviderEntry& provider, MiKind kind, Gathered& gathered) {
   std::string refusal;
   void* mi = ActivateMi(host, provider, kind, refusal);
   if (mi == nullptr) {
@@ -176,7 +171,7 @@ CMPIStatus Missing(const ProviderEntry& provider, MiKind kind, const char* funct
 // Runs one MI call in a call scope of its own and copies out, before the
 // scope frees them, the status and everything delivered to the result.
 template <typename Call>
-void CallProvider(Host::Impl& host, const PathData& path, Gathered& gathered, Call&& call) {
+void CallProvider(HostState& host, const PathData& path, Gathered& gathered, Call&& call) {
   Scope scope;
   const ContextObject* context =
       CreateInScope<ContextObject>(nullptr, host.contextEntries(path.nameSpace));
@@ -201,7 +196,7 @@ void CallProvider(Host::Impl& host, const PathData& path, Gathered& gathered, Ca
 }
 
 // The path's class, or its nearest ancestor, that has a provider of the kind.
-ProviderEntry* NearestProvider(Host::Impl& host, const std::string& nameSpace,
+ProviderEntry* NearestProvider(HostState& host, const std::string& nameSpace,
                                const std::string& className, MiKind kind) {
   std::string current = className;
   for (int depth = 0; !current.empty() && depth < 256; ++depth) {
@@ -254,7 +249,7 @@ ResultRecord Record(ResultRecord::Kind kind, HostValue value) {
 // A request served by one provider, the nearest of the path's class and its
 // superclasses that offers the kind (get, create, modify, delete, invoke).
 template <typename MI, typename Call>
-Gathered RouteToNearestProvider(Host::Impl& host, const PathData& path, MiKind kind, Call&& call) {
+Gathered RouteToNearestProvider(HostState& host, const PathData& path, MiKind kind, Call&& call) {
   Gathered gathered;
   if (host.repository.findClass(path.nameSpace, path.className) == nullptr) {
     gathered.status = UnknownClass(path.nameSpace, path.className);
@@ -278,7 +273,7 @@ Gathered RouteToNearestProvider(Host::Impl& host, const PathData& path, MiKind k
 }
 
 template <typename Call>
-Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& call) {
+Gathered RouteToInstanceProvider(HostState& host, const PathData& path, Call&& call) {
   return RouteToNearestProvider<CMPIInstanceMI>(host, path, MiKind::kInstance,
                                                 std::forward<Call>(call));
 }
@@ -286,7 +281,7 @@ Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& 
 // Each class of an enumeration or query: `classPath`'s class and its
 // subclasses, as paths without keys. Empty, with the status set in
 // `gathered`, for an unknown class.
-std::vector<PathData> ClassPaths(Host::Impl& host, const PathData& classPath, Gathered& gathered) {
+std::vector<PathData> ClassPaths(HostState& host, const PathData& classPath, Gathered& gathered) {
   std::vector<PathData> paths;
   for (const ClassDecl* decl :
        host.repository.classAndSubclasses(classPath.nameSpace, classPath.className)) {
@@ -305,8 +300,7 @@ std::vector<PathData> ClassPaths(Host::Impl& host, const PathData& classPath, Ga
 // registration order. False, with the reason in `gathered`, as soon as an
 // MI cannot be had or a call fails.
 template <typename Call>
-bool CallInstanceProviders(Host::Impl& host, const PathData& path, Gathered& gathered,
-                           Call&& call) {
+bool CallInstanceProviders(HostState& host, const PathData& path, Gathered& gathered, Call&& call) {
   for (ProviderEntry* provider :
        host.providers.forClass(path.nameSpace, path.className, MiKind::kInstance)) {
     gathered.served = true;
@@ -328,7 +322,7 @@ bool CallInstanceProviders(Host::Impl& host, const PathData& path, Gathered& gat
 
 }  // namespace
 
-void* ActivateMi(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
+void* ActivateMi(HostState& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
   ProviderEntry::Slot& slot = provider.slots[static_cast<std::size_t>(kind)];
   if (!slot.settled.load(std::memory_order_acquire)) {
     std::lock_guard<std::recursive_mutex> lock(host.providers.activationMutex());
@@ -356,7 +350,7 @@ void* ActivateMi(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::st
   return slot.mi;
 }
 
-std::vector<std::string> ActivateAll(Host::Impl& host) {
+std::vector<std::string> ActivateAll(HostState& host) {
   std::vector<std::string> refusals;
   for (const auto& [provider, kind] : host.providers.allKinds()) {
     std::string refusal;
@@ -371,7 +365,7 @@ std::vector<std::string> ActivateAll(Host::Impl& host) {
 namespace {
 
 // One MI's cleanup, in a call scope of its own as every MI call is.
-Status CallCleanup(Host::Impl& host, const ProviderEntry& provider, MiKind kind, bool terminating) {
+Status CallCleanup(HostState& host, const ProviderEntry& provider, MiKind kind, bool terminating) {
   void* mi = provider.slots[static_cast<std::size_t>(kind)].mi;
   Scope scope;
   const ContextObject* context =
@@ -406,7 +400,7 @@ Status CallCleanup(Host::Impl& host, const ProviderEntry& provider, MiKind kind,
 
 }  // namespace
 
-void CleanupAll(Host::Impl& host) {
+void CleanupAll(HostState& host) {
   auto created = host.providers.createdInOrder();
   for (auto item = created.rbegin(); item != created.rend(); ++item) {
     // A provider failing to clean up cannot stop the host from closing.
@@ -414,7 +408,7 @@ void CleanupAll(Host::Impl& host) {
   }
 }
 
-std::vector<UnloadAnswer> UnloadIdle(Host::Impl& host) {
+std::vector<UnloadAnswer> UnloadIdle(HostState& host) {
   std::lock_guard<std::recursive_mutex> lock(host.providers.activationMutex());
   // Each provider once, in the order its first MI was created.
   std::vector<ProviderEntry*> providers;
@@ -468,7 +462,7 @@ std::vector<UnloadAnswer> UnloadIdle(Host::Impl& host) {
   return answers;
 }
 
-InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,
+InstanceData BuildStaticInstance(HostState& host, const std::string& nameSpace,
                                  const StaticInstance& instance) {
   InstanceData data;
   data.shape = host.shapeOf(nameSpace, instance.className);
@@ -481,7 +475,7 @@ InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,
   for (const PropertyShape& property : data.shape->properties) {
     data.values.push_back(property.initial);
   }
-  const ShapeLookup lookup = LookupOf(host);
+  const ShapeLookup lookup = host.lookup();
   for (const auto& [name, value] : instance.values) {
     const auto index = data.shape->find(name);
     if (!index) {
@@ -496,7 +490,7 @@ InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,
   return data;
 }
 
-Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
+Gathered DispatchEnumerate(HostState& host, const PathData& classPath,
                            const std::vector<std::string>* properties, bool namesOnly) {
   Gathered gathered;
   const std::string& nameSpace = classPath.nameSpace;
@@ -540,7 +534,7 @@ Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
   return gathered;
 }
 
-Gathered DispatchGetInstance(Host::Impl& host, const PathData& path,
+Gathered DispatchGetInstance(HostState& host, const PathData& path,
                              const std::vector<std::string>* properties) {
   const ClassDecl* decl = host.repository.findClass(path.nameSpace, path.className);
   if (decl != nullptr &&
@@ -571,7 +565,7 @@ Gathered DispatchGetInstance(Host::Impl& host, const PathData& path,
       });
 }
 
-Gathered DispatchCreateInstance(Host::Impl& host, const PathData& path,
+Gathered DispatchCreateInstance(HostState& host, const PathData& path,
                                 const InstanceData& instance) {
   return RouteToInstanceProvider(
       host, path,
@@ -584,8 +578,7 @@ Gathered DispatchCreateInstance(Host::Impl& host, const PathData& path,
       });
 }
 
-Gathered DispatchModifyInstance(Host::Impl& host, const PathData& path,
-                                const InstanceData& instance,
+Gathered DispatchModifyInstance(HostState& host, const PathData& path, const InstanceData& instance,
                                 const std::vector<std::string>* properties) {
   PropertyArray propertyArray(properties);
   return RouteToInstanceProvider(
@@ -600,7 +593,7 @@ Gathered DispatchModifyInstance(Host::Impl& host, const PathData& path,
       });
 }
 
-Gathered DispatchDeleteInstance(Host::Impl& host, const PathData& path) {
+Gathered DispatchDeleteInstance(HostState& host, const PathData& path) {
   return RouteToInstanceProvider(
       host, path,
       [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
@@ -611,7 +604,7 @@ Gathered DispatchDeleteInstance(Host::Impl& host, const PathData& path) {
       });
 }
 
-Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const std::string& query,
+Gathered DispatchExecQuery(HostState& host, const PathData& classPath, const std::string& query,
                            const std::string& language) {
   Gathered gathered;
   for (const PathData& path : ClassPaths(host, classPath, gathered)) {
@@ -635,7 +628,7 @@ Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const st
   return gathered;
 }
 
-Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std::string& method,
+Gathered DispatchInvokeMethod(HostState& host, const PathData& path, const std::string& method,
                               const NamedValues& in) {
   NamedValues outArguments;
   Gathered gathered = RouteToNearestProvider<CMPIMethodMI>(
@@ -655,7 +648,7 @@ Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std:
   return gathered;
 }
 
-Gathered DispatchAssociation(Host::Impl& host, AssociationOp op, const PathData& path,
+Gathered DispatchAssociation(HostState& host, AssociationOp op, const PathData& path,
                              const AssociationFilter& filter,
                              const std::vector<std::string>* properties) {
   Gathered gathered;

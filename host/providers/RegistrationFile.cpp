@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "broker/Values.h"
-#include "cmpihost/Host.h"
+#include "cmpihost/HostTypes.h"
 
 namespace cmpihost {
 namespace {
@@ -99,7 +99,7 @@ class StanzaReader {
     if (colon == std::string::npos) {
       fail(lineNumber_, "expected 'key: value' or '[ClassName]', found '" + text + "'");
     }
-    const std::string key = LowerCase(Trimmed(text.substr(0, colon)));
+    const std::string key = AsciiLowered(Trimmed(text.substr(0, colon)));
     const std::string value = Trimmed(text.substr(colon + 1));
     if (!open_) {
       fail(lineNumber_, "'" + key + ":' comes before any [ClassName] stanza");
@@ -127,7 +127,7 @@ class StanzaReader {
     } else if (key == "type") {
       open_->types = Words(value);
       for (const std::string& type : *open_->types) {
-        const std::string lower = LowerCase(type);
+        const std::string lower = AsciiLowered(type);
         if (lower != "instance" && lower != "association" && lower != "method" &&
             lower != "indication" && lower != "property") {
           fail(lineNumber_, "unknown provider type '" + type +
@@ -180,7 +180,7 @@ class StanzaReader {
       registration.nameSpace = nameSpace;
       registration.unloadNever = open.unloadNever;
       for (const std::string& type : *open.types) {
-        const std::string lower = LowerCase(type);
+        const std::string lower = AsciiLowered(type);
         registration.instance = registration.instance || lower == "instance";
         registration.method = registration.method || lower == "method";
         registration.association = registration.association || lower == "association";

@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "repository/ClassDecl.h"
-#include "repository/NoCase.h"
 #include "repository/QualifierDecl.h"
 #include "repository/StaticInstance.h"
 
@@ -58,7 +57,7 @@ class ClassRepository {
   struct Namespace;
   Namespace* findNamespace(const std::string& nameSpace) const;
   Namespace& namespaceFor(const std::string& nameSpace);
-  std::map<std::string, std::unique_ptr<Namespace>, NoCaseLess> namespaces_;
+  std::map<std::string, std::unique_ptr<Namespace>> namespaces_;  // by lower-cased name
 };
 
 }  // namespace cmpihost

@@ -1,6 +1,8 @@
 #include "repository/MofStaging.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <stdexcept>
 #include <unordered_set>
 #include <utility>
@@ -12,8 +14,8 @@ namespace cmpihost {
 namespace {
 
 template <typename Value>
-using ByName = std::unordered_map<std::string, Value, NoCaseHash, NoCaseEqualTo>;
-using NameSet = std::unordered_set<std::string, NoCaseHash, NoCaseEqualTo>;
+using ByName = std::map<std::string, Value, NoCaseLess>;
+using NameSet = std::set<std::string, NoCaseLess>;
 
 std::string Quoted(const std::string& name) {
   return "\"" + name + "\"";
@@ -575,7 +577,7 @@ std::string MofStaging::pathText(const ClassDecl& decl, const StaticInstance& in
   if (canonical) {
     // Compared as a set: one text whatever order the keys come in.
     std::sort(keys.begin(), keys.end(), [](const PropertyDecl* a, const PropertyDecl* b) {
-      return NoCaseCompare(a->name, b->name) < 0;
+      return NoCaseLess()(a->name, b->name);
     });
   }
   std::string text = canonical ? AsciiLowered(decl.name()) : decl.name();

@@ -7,12 +7,11 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "repository/ClassRepository.h"
 #include "repository/MofSyntax.h"
-#include "repository/NoCase.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 
@@ -96,8 +95,8 @@ class MofStaging {
   const ClassRepository& repository_;
   std::string nameSpace_;
   std::map<std::string, std::unique_ptr<StagedNamespace>, NoCaseLess> spaces_;
-  std::vector<StagedNamespace*> spaceOrder_;  // first use order
-  std::unordered_map<std::string, std::string, NoCaseHash, NoCaseEqualTo> aliases_;  // -> path
+  std::vector<StagedNamespace*> spaceOrder_;                // first use order
+  std::map<std::string, std::string, NoCaseLess> aliases_;  // -> path
 };
 
 }  // namespace cmpihost
