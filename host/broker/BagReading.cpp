@@ -8,7 +8,7 @@
 
 #include "broker/ClassShapes.h"
 #include "broker/PathText.h"
-#include "cmpihost/HostTypes.h"
+#include "cmpihost/HostError.h"
 
 namespace cmpihost {
 namespace {

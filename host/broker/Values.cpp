@@ -7,6 +7,9 @@
 #include <cstring>
 #include <utility>
 
+#include "text/Literals.h"
+#include "text/PathSyntax.h"
+
 namespace cmpihost {
 
 HostValue HostValue::Null(CMPIType type) {
@@ -225,53 +228,6 @@ std::string RealText(double value, bool single) {
 
 namespace {
 
-// Appends `text` in double quotes, a backslash before each '"' and '\\';
-// the runs between them go in whole.
-// The position of the first '"' or '\\' in `text` from `from`, or its size:
-// eight characters per step, since every key value of every printed path is
-// scanned and nearly none holds either.
-std::size_t NextToEscape(const std::string& text, std::size_t from) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
-  constexpr std::uint64_t kHighBits = 0x8080808080808080ULL;
-  const auto hasZeroByte = [](std::uint64_t word) {
-    return ((word - kOnes) & ~word & kHighBits) != 0;
-  };
-  std::size_t at = from;
-  for (; at + 8 <= text.size(); at += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + at, 8);
-    if (hasZeroByte(word ^ ('"' * kOnes)) || hasZeroByte(word ^ ('\\' * kOnes))) {
-      break;  // one of the eight is; found below
-    }
-  }
-  for (; at < text.size(); ++at) {
-    if (text[at] == '"' || text[at] == '\\') {
-      return at;
-    }
-  }
-  return at;
-}
-
-void AppendQuoted(std::string& out, const std::string& text) {
-  out += '"';
-  std::size_t start = 0;
-  for (std::size_t i = NextToEscape(text, 0); i < text.size(); i = NextToEscape(text, i + 1)) {
-    out.append(text, start, i - start);
-    out += '\\';
-    out += text[i];
-    start = i + 1;
-  }
-  out.append(text, start, std::string::npos);
-  out += '"';
-}
-
-std::string Quoted(const std::string& text) {
-  std::string out;
-  out.reserve(text.size() + 2);
-  AppendQuoted(out, text);
-  return out;
-}
-
 std::uint64_t UnsignedOf(const HostValue& value) {
   switch (value.type & ~CMPI_ARRAY) {
     case CMPI_uint8:
@@ -310,30 +266,6 @@ bool IsSigned(CMPIType type) {
 
 }  // namespace
 
-namespace {
-
-// Appends KeyValueText(value): strings, date-times and references straight
-// into `out`, since paths are printed for every lookup a provider makes.
-void AppendKeyValueText(std::string& out, const HostValue& value) {
-  if (!value.null) {
-    switch (value.type) {
-      case CMPI_dateTime:
-      case CMPI_string:
-      case CMPI_chars:
-        AppendQuoted(out, value.text);
-        return;
-      case CMPI_ref:
-        AppendQuoted(out, value.path() != nullptr ? PathToString(*value.path()) : std::string());
-        return;
-      default:
-        break;
-    }
-  }
-  out += KeyValueText(value);
-}
-
-}  // namespace
-
 std::string KeyValueText(const HostValue& value) {
   if (value.null) {
     return "NULL";
@@ -367,32 +299,14 @@ std::string KeyValueText(const HostValue& value) {
 }
 
 std::string PathToString(const PathData& path) {
-  const std::vector<NamedValue>& keys = path.keys.items();
-  std::size_t length = path.host.size() + path.nameSpace.size() + path.className.size() + 4;
-  for (const NamedValue& key : keys) {
-    length += key.name.size() + key.value.text.size() + 4;
-  }
-  std::string out;
-  out.reserve(length);
-  if (!path.host.empty()) {
-    out += "//";
-    out += path.host;
-    out += '/';
-  }
-  if (!path.nameSpace.empty()) {
-    out += path.nameSpace;
-    out += ':';
-  }
-  out += path.className;
-  // In the order they were added: a provider that depends on the order
+  // Keys in the order they were added: a provider that depends on the order
   // must show it here, as it would in a CIMOM that hands paths on as sent.
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    out += i == 0 ? '.' : ',';
-    out += keys[i].name;
-    out += '=';
-    AppendKeyValueText(out, keys[i].value);
+  std::vector<std::pair<std::string, std::string>> keys;
+  keys.reserve(path.keys.size());
+  for (const NamedValue& key : path.keys.items()) {
+    keys.emplace_back(key.name, KeyValueText(key.value));
   }
-  return out;
+  return PathText(path.host, path.nameSpace, path.className, keys);
 }
 
 bool SamePath(const PathData& a, const PathData& b) {

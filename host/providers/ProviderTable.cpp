@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "broker/Values.h"
-#include "cmpihost/HostTypes.h"
+#include "cmpihost/HostError.h"
 
 namespace cmpihost {
 

@@ -10,18 +10,15 @@
 #include <sstream>
 
 #include "broker/Values.h"
-#include "cmpihost/HostTypes.h"
+#include "cmpihost/HostError.h"
+#include "text/Literals.h"
 
 namespace cmpihost {
 namespace {
 
+// Lines may end in CR LF.
 std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t\r");
-  if (first == std::string::npos) {
-    return "";
-  }
-  const std::size_t last = text.find_last_not_of(" \t\r");
-  return text.substr(first, last - first + 1);
+  return cmpihost::Trimmed(text, " \t\r");
 }
 
 std::vector<std::string> Words(const std::string& text) {

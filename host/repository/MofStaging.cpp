@@ -9,6 +9,8 @@
 
 #include "repository/MofReader.h"
 #include "repository/MofValueRules.h"
+#include "text/Literals.h"
+#include "text/PathSyntax.h"
 
 namespace cmpihost {
 namespace {
@@ -16,10 +18,6 @@ namespace {
 template <typename Value>
 using ByName = std::map<std::string, Value, NoCaseLess>;
 using NameSet = std::set<std::string, NoCaseLess>;
-
-std::string Quoted(const std::string& name) {
-  return "\"" + name + "\"";
-}
 
 const Qualifier* FindQualifier(const std::vector<Qualifier>& qualifiers, const char* name) {
   for (const Qualifier& qualifier : qualifiers) {
@@ -580,27 +578,24 @@ std::string MofStaging::pathText(const ClassDecl& decl, const StaticInstance& in
       return NoCaseLess()(a->name, b->name);
     });
   }
-  std::string text = canonical ? AsciiLowered(decl.name()) : decl.name();
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    const MofValue* value = &keys[i]->defaultValue;
+  std::vector<std::pair<std::string, std::string>> keyTexts;
+  for (const PropertyDecl* key : keys) {
+    const MofValue* value = &key->defaultValue;
     for (const auto& [name, given] : instance.values) {
-      if (NoCaseEqual(name, keys[i]->name)) {
+      if (NoCaseEqual(name, key->name)) {
         value = &given;
         break;
       }
     }
-    text += i == 0 ? '.' : ',';
-    text += canonical ? AsciiLowered(keys[i]->name) : keys[i]->name;
-    text += '=';
     if (canonical && value->kind == MofValue::Kind::kReference) {
       MofValue reference = *value;
       reference.text = CanonicalReference(reference.text);
-      text += PathValueText(reference);
+      keyTexts.emplace_back(AsciiLowered(key->name), PathValueText(reference));
     } else {
-      text += PathValueText(*value);
+      keyTexts.emplace_back(canonical ? AsciiLowered(key->name) : key->name, PathValueText(*value));
     }
   }
-  return text;
+  return PathText("", "", canonical ? AsciiLowered(decl.name()) : decl.name(), keyTexts);
 }
 
 void MofStaging::seedInstancePaths(StagedNamespace& space, const ClassDecl& decl) {

@@ -6,19 +6,12 @@
 #include <cmpidt.h>
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 
+#include "cmpihost/HostError.h"
 #include "cmpihost/Reply.h"
 
 namespace cmpihost {
-
-// Bad input to the host itself (a registration file, a path text, a missing
-// library or factory): says what is wrong and where.
-class HostError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 // One input argument of a method call. The value text is typed by the
 // method's declared parameter type unless `type` says otherwise; reference
