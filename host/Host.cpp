@@ -1,15 +1,14 @@
 #include "cmpihost/Host.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cctype>
 #include <utility>
 
 #include "HostImpl.h"
 #include "broker/PathText.h"
+#include "providers/Activation.h"
 #include "providers/Dispatcher.h"
-#include "providers/RegistrationFile.h"
+#include "providers/ProviderLibrary.h"
 #include "repository/MofReader.h"
 
 namespace cmpihost {
@@ -153,57 +152,13 @@ void Host::registerProvider(const ProviderRegistration& registration,
 void Host::registerLibraryProvider(const ProviderRegistration& registration,
                                    const std::string& libraryPath) {
   RequireRegistration(registration);
-  // Never closed: a provider's code must outlive every object it handed out.
-  void* library = dlopen(libraryPath.c_str(), RTLD_LOCAL | RTLD_NOW);
-  if (library == nullptr) {
-    const char* why = dlerror();
-    throw HostError("provider " + registration.providerName + ": cannot load " + libraryPath +
-                    ": " + (why == nullptr ? "unknown error" : why));
-  }
+  void* library = OpenProviderLibrary(libraryPath, "provider " + registration.providerName + ": ");
   impl_->providers.add(registration, MiFactories{}, libraryPath, library);
 }
 
 void Host::loadRegistrationFile(const std::string& path,
                                 const std::vector<std::string>& libraryDirs) {
-  struct Pending {
-    ProviderRegistration registration;
-    std::string library;
-    void* handle;
-  };
-  // Every library is found, loaded and checked before anything is
-  // registered, so a bad file registers nothing.
-  std::vector<Pending> pending;
-  for (const RegistrationStanza& stanza : ReadRegistrationFile(path)) {
-    const std::string where = path + ":" + std::to_string(stanza.line) + ": ";
-    // A provider for a class nobody declared could never be asked; most
-    // often its MOF was loaded after this file, or into another namespace.
-    for (const ProviderRegistration& registration : stanza.registrations) {
-      if (impl_->repository.findClass(registration.nameSpace, stanza.className) == nullptr) {
-        throw HostError(where + "class " + stanza.className + " is not declared in namespace " +
-                        registration.nameSpace + " (load its MOF before the registration file)");
-      }
-    }
-    const std::string library = FindProviderLibrary(stanza, path, libraryDirs);
-    void* handle = dlopen(library.c_str(), RTLD_LOCAL | RTLD_NOW);
-    if (handle == nullptr) {
-      const char* why = dlerror();
-      throw HostError(where + "cannot load " + library + ": " +
-                      (why == nullptr ? "unknown error" : why));
-    }
-    const std::string conflict = impl_->providers.conflictFor(stanza.providerName, library);
-    if (!conflict.empty()) {
-      throw HostError(where + conflict);
-    }
-    for (const ProviderRegistration& registration : stanza.registrations) {
-      pending.push_back(Pending{registration, library, handle});
-    }
-  }
-  for (const Pending& item : pending) {
-    const ProviderRegistration& registration = item.registration;
-    if (registration.instance || registration.method || registration.association) {
-      impl_->providers.add(registration, MiFactories{}, item.library, item.handle);
-    }
-  }
+  RegisterFromFile(impl_->repository, impl_->providers, path, libraryDirs);
 }
 
 void Host::activateProviders() {

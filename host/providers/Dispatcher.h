@@ -1,6 +1,7 @@
-// Turns requests into MI calls: finds the providers, creates their MIs on
-// first need, runs each call in its own call scope and copies out what it
-// delivered. Used by Host's requests and by the broker's upcalls.
+// The front door is cmpihost/Host.h; this header is internal.
+// Turns requests into MI calls: finds the providers, runs each call in its
+// own call scope and copies out what it delivered. Used by Host's requests
+// and by the broker's upcalls.
 #ifndef CMPIHOST_PROVIDERS_DISPATCHER_H_
 #define CMPIHOST_PROVIDERS_DISPATCHER_H_
 
@@ -17,16 +18,6 @@
 namespace cmpihost {
 
 enum class AssociationOp { kAssociators, kAssociatorNames, kReferences, kReferenceNames };
-
-// The MI of that kind, created now if need be; null with `refusal` set when
-// the provider cannot give one.
-void* ActivateMi(HostState& host, ProviderEntry& provider, MiKind kind, std::string& refusal);
-// Every MI of every registered kind; returns "provider P, Kind MI: reason" lines.
-std::vector<std::string> ActivateAll(HostState& host);
-// Calls cleanup(terminating) on every created MI, newest first.
-void CleanupAll(HostState& host);
-// Host::unloadIdleProviders.
-std::vector<UnloadAnswer> UnloadIdle(HostState& host);
 
 // A null properties pointer means all properties.
 Gathered DispatchEnumerate(HostState& host, const PathData& classPath,
