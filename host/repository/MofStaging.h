@@ -49,7 +49,10 @@ class MofStaging {
     kParameter,
     kInstance
   };
-  struct Resolved;
+  struct Resolved {
+    std::vector<Qualifier> qualifiers;
+    std::vector<const QualifierDecl*> decls;  // parallel to qualifiers
+  };
 
   StagedNamespace& staged();
   const ClassDecl* findClass(const std::string& name) const;

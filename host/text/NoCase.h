@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cmpihost {
 
@@ -20,6 +21,17 @@ bool NoCaseEqual(std::string_view a, std::string_view b);
 
 // The name with ASCII letters lower-cased.
 std::string AsciiLowered(std::string_view name);
+
+// The first element of `items` whose `name` equals `name` ignoring case, or null.
+template <typename Named>
+const Named* FindNamed(const std::vector<Named>& items, std::string_view name) {
+  for (const Named& item : items) {
+    if (NoCaseEqual(item.name, name)) {
+      return &item;
+    }
+  }
+  return nullptr;
+}
 
 // For ordered containers keyed by name.
 struct NoCaseLess {
