@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The broker's four function tables and the upcalls behind them.
 #ifndef CMPIHOST_BROKER_BROKER_H_
 #define CMPIHOST_BROKER_BROKER_H_

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The host's own copies of CMPI data. Every CMPI object keeps its content in
 // these plain values, and every value handed across the CMPI boundary is
 // copied in or out, so no object ever points into another one (a scope can

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The classes, qualifier declarations and static instances of every
 // namespace, as loaded from MOF. Loading is transactional per file; once
 // loaded, the repository is only read, from any number of threads (it keeps

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Everything one load (a file and its includes) declares, checked against
 // the repository and against itself, held back until the whole load has
 // succeeded; then committed in one step, so a failed load changes nothing.
