@@ -217,6 +217,7 @@ Reply Host::modifyInstance(const std::string& pathText, const std::vector<Argume
   }
   const InstanceData instance = InstanceFromArguments(*impl_, request.path, properties);
   std::vector<std::string> names;
+  names.reserve(properties.size());
   for (const Argument& property : properties) {
     names.push_back(property.name);
   }

@@ -294,8 +294,6 @@ BrokerHost::BrokerHost() {
   broker_.mft = const_cast<CMPIBrokerMemFT*>(&kBrokerMemFT);
 }
 
-BrokerHost::~BrokerHost() = default;
-
 BrokerHost* BrokerHost::Of(const CMPIBroker* broker) {
   if (broker == nullptr ||
       static_cast<const void*>(broker->bft) != static_cast<const void*>(&kBrokerFT)) {

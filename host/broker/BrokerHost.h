@@ -57,7 +57,7 @@ class BrokerHost {
 
  protected:
   BrokerHost();
-  ~BrokerHost();
+  ~BrokerHost() = default;
 
  private:
   CMPIBroker broker_{};
