@@ -4,11 +4,13 @@
 
 #include <stdexcept>
 
+#include "cmpihost/Export.h"
+
 namespace cmpihost {
 
 // Bad input to the host itself (a registration file, a path text, a missing
 // library or factory): says what is wrong and where.
-class HostError : public std::runtime_error {
+class CMPIHOST_EXPORT HostError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
