@@ -38,7 +38,6 @@ install(FILES
     ${PROJECT_SOURCE_DIR}/host/repository/StaticInstance.h
     ${PROJECT_SOURCE_DIR}/host/repository/ClassRepository.h
     ${PROJECT_SOURCE_DIR}/host/repository/MofReader.h
-    ${PROJECT_SOURCE_DIR}/host/repository/NoCase.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cmpihost/repository)
 # Plug-ins compile against the same CMPI headers the library was built with.
 install(DIRECTORY ${DIAGCORE_CMPI_INCLUDE_DIR}/

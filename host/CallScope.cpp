@@ -9,7 +9,7 @@
 namespace cmpihost {
 
 struct CallScope::Impl {
-  explicit Impl(Host& owner) : host(owner.impl()) {}
+  explicit Impl(Host& owner) : host(*owner.impl_) {}
   Host::Impl& host;
   Scope scope;  // opened here, on the constructing thread
   const ContextObject* context = nullptr;
@@ -23,7 +23,7 @@ CallScope::CallScope(Host& host) : impl_(std::make_unique<Impl>(host)) {
 CallScope::~CallScope() = default;
 
 const CMPIBroker* CallScope::broker() const {
-  return &impl_->host.broker;
+  return impl_->host.cmpiBroker();
 }
 
 const CMPIContext* CallScope::context() const {
@@ -33,10 +33,7 @@ const CMPIContext* CallScope::context() const {
 CMPIObjectPath* CallScope::objectPath(const std::string& pathText, std::string* problem) {
   Host::Impl& host = impl_->host;
   try {
-    PathData path = ParsePath(pathText, host.defaultNameSpace,
-                              [&host](const std::string& nameSpace, const std::string& className) {
-                                return host.shapeOf(nameSpace, className);
-                              });
+    PathData path = ParsePath(pathText, host.defaultNameSpace, host.lookup());
     return CreateInScope<ObjectPathObject>(nullptr, std::move(path));
   } catch (const HostError& error) {
     if (problem != nullptr) {

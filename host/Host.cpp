@@ -1,150 +1,21 @@
 #include "cmpihost/Host.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cctype>
 #include <utility>
 
 #include "HostImpl.h"
-#include "broker/Broker.h"
 #include "broker/PathText.h"
+#include "providers/Activation.h"
 #include "providers/Dispatcher.h"
-#include "providers/RegistrationFile.h"
+#include "providers/ProviderLibrary.h"
 #include "repository/MofReader.h"
 
 namespace cmpihost {
 
-// --- Host::Impl ---
-
-CMPIType CmpiTypeOf(const TypeDecl& type) {
-  CMPIType code = CMPI_null;
-  switch (type.type) {
-    case CimType::kBoolean:
-      code = CMPI_boolean;
-      break;
-    case CimType::kString:
-      code = CMPI_string;
-      break;
-    case CimType::kChar16:
-      code = CMPI_char16;
-      break;
-    case CimType::kUint8:
-      code = CMPI_uint8;
-      break;
-    case CimType::kSint8:
-      code = CMPI_sint8;
-      break;
-    case CimType::kUint16:
-      code = CMPI_uint16;
-      break;
-    case CimType::kSint16:
-      code = CMPI_sint16;
-      break;
-    case CimType::kUint32:
-      code = CMPI_uint32;
-      break;
-    case CimType::kSint32:
-      code = CMPI_sint32;
-      break;
-    case CimType::kUint64:
-      code = CMPI_uint64;
-      break;
-    case CimType::kSint64:
-      code = CMPI_sint64;
-      break;
-    case CimType::kReal32:
-      code = CMPI_real32;
-      break;
-    case CimType::kReal64:
-      code = CMPI_real64;
-      break;
-    case CimType::kDateTime:
-      code = CMPI_dateTime;
-      break;
-    case CimType::kReference:
-      code = CMPI_ref;
-      break;
-  }
-  return static_cast<CMPIType>(type.isArray ? (code | CMPI_ARRAY) : code);
-}
-
-Host::Impl::Impl() {
-  InitBroker(broker, this);
-}
-
-Host::Impl::~Impl() = default;
-
-Host::Impl* Host::Impl::Of(const CMPIBroker* broker) {
-  if (broker == nullptr ||
-      static_cast<const void*>(broker->bft) != static_cast<const void*>(&kBrokerFT)) {
-    return nullptr;
-  }
-  return static_cast<Impl*>(const_cast<void*>(static_cast<const void*>(broker->hdl)));
-}
-
-std::shared_ptr<const ClassShape> Host::Impl::shapeOf(const std::string& nameSpace,
-                                                      const std::string& className) {
-  {
-    std::lock_guard<std::mutex> lock(shapesMutex_);
-    const auto space = shapes_.find(nameSpace);
-    if (space != shapes_.end()) {
-      const auto found = space->second.find(className);
-      if (found != space->second.end()) {
-        return found->second;
-      }
-    }
-  }
-  const ClassDecl* decl = repository.findClass(nameSpace, className);
-  if (decl == nullptr) {
-    return nullptr;
-  }
-  auto shape = std::make_shared<ClassShape>();
-  shape->className = decl->name();
-  for (const PropertyDecl& property : decl->properties()) {
-    PropertyShape declared;
-    declared.name = property.name;
-    declared.type = CmpiTypeOf(property.type);
-    declared.isKey = property.isKey;
-    // Reference defaults are read without class lookups, so that a class
-    // whose default refers to itself cannot recurse here.
-    declared.initial = ValueFromMof(property.defaultValue, declared.type, nameSpace, nullptr)
-                           .value_or(HostValue::Null(declared.type));
-    declared.initial.type = declared.type;
-    shape->properties.push_back(std::move(declared));
-  }
-  shape->buildIndex();
-  std::lock_guard<std::mutex> lock(shapesMutex_);
-  return shapes_[nameSpace].emplace(className, std::move(shape)).first->second;
-}
-
-NamedValues Host::Impl::contextEntries(const std::string& nameSpace) const {
-  NamedValues entries;
-  entries.reserve(3);
-  entries.append(CMPIInitNameSpace, HostValue::String(nameSpace));
-  entries.append(CMPIInvocationFlags, HostValue::Unsigned(CMPI_uint32, 0));
-  entries.append(CMPIPrincipal, HostValue::String("cmpihost"));
-  return entries;
-}
-
-std::chrono::system_clock::time_point Host::Impl::now() const {
-  std::function<std::chrono::system_clock::time_point()> current;
-  {
-    std::lock_guard<std::mutex> lock(clockMutex);
-    current = clock;
-  }
-  return current ? current() : std::chrono::system_clock::now();
-}
-
 // --- Host ---
 
 namespace {
-
-ShapeLookup LookupOf(Host::Impl& host) {
-  return [&host](const std::string& nameSpace, const std::string& className) {
-    return host.shapeOf(nameSpace, className);
-  };
-}
 
 // A request's path: syntax errors throw; an unknown class is a reply.
 struct RequestPath {
@@ -165,7 +36,7 @@ RequestPath ParseRequestPath(Host::Impl& host, const std::string& text) {
     request.path.className = syntax.className;
     return request;
   }
-  request.path = TypePath(syntax, text, host.defaultNameSpace, LookupOf(host));
+  request.path = TypePath(syntax, text, host.defaultNameSpace, host.lookup());
   return request;
 }
 
@@ -211,7 +82,7 @@ InstanceData InstanceFromArguments(Host::Impl& host, const PathData& path,
     }
     try {
       instance.values[*index] =
-          ValueFromText(argument.text, property.type, path.nameSpace, LookupOf(host));
+          ValueFromText(argument.text, property.type, path.nameSpace, host.lookup());
       instance.values[*index].type = property.type;
     } catch (const HostError& error) {
       throw HostError("property " + property.name + ": " + error.what());
@@ -281,57 +152,13 @@ void Host::registerProvider(const ProviderRegistration& registration,
 void Host::registerLibraryProvider(const ProviderRegistration& registration,
                                    const std::string& libraryPath) {
   RequireRegistration(registration);
-  // Never closed: a provider's code must outlive every object it handed out.
-  void* library = dlopen(libraryPath.c_str(), RTLD_LOCAL | RTLD_NOW);
-  if (library == nullptr) {
-    const char* why = dlerror();
-    throw HostError("provider " + registration.providerName + ": cannot load " + libraryPath +
-                    ": " + (why == nullptr ? "unknown error" : why));
-  }
+  void* library = OpenProviderLibrary(libraryPath, "provider " + registration.providerName + ": ");
   impl_->providers.add(registration, MiFactories{}, libraryPath, library);
 }
 
 void Host::loadRegistrationFile(const std::string& path,
                                 const std::vector<std::string>& libraryDirs) {
-  struct Pending {
-    ProviderRegistration registration;
-    std::string library;
-    void* handle;
-  };
-  // Every library is found, loaded and checked before anything is
-  // registered, so a bad file registers nothing.
-  std::vector<Pending> pending;
-  for (const RegistrationStanza& stanza : ReadRegistrationFile(path)) {
-    const std::string where = path + ":" + std::to_string(stanza.line) + ": ";
-    // A provider for a class nobody declared could never be asked; most
-    // often its MOF was loaded after this file, or into another namespace.
-    for (const ProviderRegistration& registration : stanza.registrations) {
-      if (impl_->repository.findClass(registration.nameSpace, stanza.className) == nullptr) {
-        throw HostError(where + "class " + stanza.className + " is not declared in namespace " +
-                        registration.nameSpace + " (load its MOF before the registration file)");
-      }
-    }
-    const std::string library = FindProviderLibrary(stanza, path, libraryDirs);
-    void* handle = dlopen(library.c_str(), RTLD_LOCAL | RTLD_NOW);
-    if (handle == nullptr) {
-      const char* why = dlerror();
-      throw HostError(where + "cannot load " + library + ": " +
-                      (why == nullptr ? "unknown error" : why));
-    }
-    const std::string conflict = impl_->providers.conflictFor(stanza.providerName, library);
-    if (!conflict.empty()) {
-      throw HostError(where + conflict);
-    }
-    for (const ProviderRegistration& registration : stanza.registrations) {
-      pending.push_back(Pending{registration, library, handle});
-    }
-  }
-  for (const Pending& item : pending) {
-    const ProviderRegistration& registration = item.registration;
-    if (registration.instance || registration.method || registration.association) {
-      impl_->providers.add(registration, MiFactories{}, item.library, item.handle);
-    }
-  }
+  RegisterFromFile(impl_->repository, impl_->providers, path, libraryDirs);
 }
 
 void Host::activateProviders() {
@@ -390,6 +217,7 @@ Reply Host::modifyInstance(const std::string& pathText, const std::vector<Argume
   }
   const InstanceData instance = InstanceFromArguments(*impl_, request.path, properties);
   std::vector<std::string> names;
+  names.reserve(properties.size());
   for (const Argument& property : properties) {
     names.push_back(property.name);
   }
@@ -427,7 +255,7 @@ Reply Host::invokeMethod(const std::string& pathText, const std::string& method,
     const ParameterDecl* parameter = nullptr;
     if (declared != nullptr) {
       for (const ParameterDecl& candidate : declared->parameters) {
-        if (EqualsIgnoreCase(candidate.name, argument.name)) {
+        if (NoCaseEqual(candidate.name, argument.name)) {
           parameter = &candidate;
         }
       }
@@ -442,8 +270,7 @@ Reply Host::invokeMethod(const std::string& pathText, const std::string& method,
     }
     const CMPIType type = argument.type ? *argument.type : CmpiTypeOf(parameter->type);
     try {
-      HostValue value =
-          ValueFromText(argument.text, type, request.path.nameSpace, LookupOf(*impl_));
+      HostValue value = ValueFromText(argument.text, type, request.path.nameSpace, impl_->lookup());
       value.type = NormalizedType(type);
       arguments.set(parameter != nullptr ? parameter->name : argument.name, std::move(value));
     } catch (const HostError& error) {

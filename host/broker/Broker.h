@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The broker's four function tables and the upcalls behind them.
 #ifndef CMPIHOST_BROKER_BROKER_H_
 #define CMPIHOST_BROKER_BROKER_H_
@@ -11,9 +12,6 @@ extern const CMPIBrokerFT kBrokerFT;
 extern const CMPIBrokerEncFT kBrokerEncFT;
 extern const CMPIBrokerExtFT kBrokerExtFT;
 extern const CMPIBrokerMemFT kBrokerMemFT;
-
-// Points a broker at the tables, with `host` (a Host::Impl) as its handle.
-void InitBroker(CMPIBroker& broker, void* host);
 
 }  // namespace cmpihost
 

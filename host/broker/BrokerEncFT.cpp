@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-#include "HostImpl.h"
 #include "broker/Broker.h"
+#include "broker/BrokerHost.h"
 #include "broker/BuildWatch.h"
 #include "broker/FtBinding.h"
 #include "broker/Objects.h"
@@ -13,8 +13,8 @@
 namespace cmpihost {
 namespace {
 
-Host::Impl* HostFor(const CMPIBroker* broker, CMPIStatus* rc) {
-  Host::Impl* host = Host::Impl::Of(broker);
+BrokerHost* HostFor(const CMPIBroker* broker, CMPIStatus* rc) {
+  BrokerHost* host = BrokerHost::Of(broker);
   if (host == nullptr) {
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost (null or foreign handle)");
   }
@@ -44,9 +44,9 @@ void TakeKeysFromPath(InstanceData& instance, const PathData& path) {
 
 // What newInstance made (or null), known to the build watch while the log is
 // read: the builder traces "Exiting" after a failed newInstance too.
-InstanceObject* Watched(Host::Impl& host, InstanceObject* made) {
-  if (host.log.wanted()) {
-    const std::uint64_t serial = WatchNewInstance(host.log, made != nullptr);
+InstanceObject* Watched(BrokerHost& host, InstanceObject* made) {
+  if (host.logBook().wanted()) {
+    const std::uint64_t serial = WatchNewInstance(host.logBook(), made != nullptr);
     if (made != nullptr) {
       made->buildSerial = serial;
     }
@@ -55,7 +55,7 @@ InstanceObject* Watched(Host::Impl& host, InstanceObject* made) {
 }
 
 CMPIInstance* NewInstance(const CMPIBroker* broker, const CMPIObjectPath* path, CMPIStatus* rc) {
-  Host::Impl* host = HostFor(broker, rc);
+  BrokerHost* host = HostFor(broker, rc);
   const ObjectPathObject* object = host == nullptr ? nullptr : PathArgument(path, rc);
   if (object == nullptr) {
     return nullptr;
@@ -125,7 +125,7 @@ CMPIArray* NewArray(const CMPIBroker* broker, CMPICount size, CMPIType type, CMP
 }
 
 CMPIDateTime* NewDateTime(const CMPIBroker* broker, CMPIStatus* rc) {
-  Host::Impl* host = HostFor(broker, rc);
+  BrokerHost* host = HostFor(broker, rc);
   if (host == nullptr) {
     return nullptr;
   }
@@ -174,7 +174,7 @@ CMPISelectExp* NewSelectExp(const CMPIBroker* broker, const char* query, const c
 
 CMPIBoolean ClassPathIsA(const CMPIBroker* broker, const CMPIObjectPath* path, const char* type,
                          CMPIStatus* rc) {
-  Host::Impl* host = HostFor(broker, rc);
+  BrokerHost* host = HostFor(broker, rc);
   const ObjectPathObject* object = host == nullptr ? nullptr : PathArgument(path, rc);
   if (object == nullptr) {
     return 0;
@@ -185,12 +185,12 @@ CMPIBoolean ClassPathIsA(const CMPIBroker* broker, const CMPIObjectPath* path, c
   }
   SetStatus(rc, CMPI_RC_OK);
   const std::string& className = object->path.className;
-  if (EqualsIgnoreCase(className, type)) {
+  if (NoCaseEqual(className, type)) {
     return 1;
   }
   const std::string nameSpace =
-      object->path.nameSpace.empty() ? host->defaultNameSpace : object->path.nameSpace;
-  return host->repository.isA(nameSpace, className, type) ? 1 : 0;
+      object->path.nameSpace.empty() ? host->nameSpaceOfUnnamed() : object->path.nameSpace;
+  return host->isA(nameSpace, className, type) ? 1 : 0;
 }
 
 std::string ObjectText(const void* object) {
@@ -346,7 +346,7 @@ CMPIString* GetMessage2(const CMPIBroker* broker, const char* /*id*/, CMPIMsgFil
 }
 
 CMPIStatus OpenMessageFile(const CMPIBroker* broker, const char* file, CMPIMsgFileHandle* handle) {
-  if (Host::Impl::Of(broker) == nullptr) {
+  if (BrokerHost::Of(broker) == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
   }
   if (handle == nullptr || file == nullptr) {
@@ -359,7 +359,7 @@ CMPIStatus OpenMessageFile(const CMPIBroker* broker, const char* file, CMPIMsgFi
 }
 
 CMPIStatus CloseMessageFile(const CMPIBroker* broker, CMPIMsgFileHandle) {
-  if (Host::Impl::Of(broker) == nullptr) {
+  if (BrokerHost::Of(broker) == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
   }
   return MakeStatus(CMPI_RC_OK);
@@ -375,11 +375,11 @@ std::string TextOf(const char* text, const CMPIString* string) {
 
 CMPIStatus Record(const CMPIBroker* broker, LogRecord::Kind kind, int severity, const char* id,
                   const char* text, const CMPIString* string) {
-  Host::Impl* host = Host::Impl::Of(broker);
+  BrokerHost* host = BrokerHost::Of(broker);
   if (host == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
   }
-  if (!host->log.wanted()) {
+  if (!host->logBook().wanted()) {
     return MakeStatus(CMPI_RC_OK);  // dropped at once: nobody would read it
   }
   LogRecord record;
@@ -390,15 +390,15 @@ CMPIStatus Record(const CMPIBroker* broker, LogRecord::Kind kind, int severity, 
   if (kind == LogRecord::Kind::kLog) {
     WatchLogMessage(record.severity, record.id, record.text);
   }
-  host->log.add(std::move(record));
+  host->logBook().add(std::move(record));
   return MakeStatus(CMPI_RC_OK);
 }
 
 CMPIStatus LogMessage(const CMPIBroker* broker, int severity, const char* id, const char* text,
                       const CMPIString* string) {
   // The common case, first and cheapest: nobody keeps or reads the record.
-  const Host::Impl* host = Host::Impl::Of(broker);
-  if (host != nullptr && !host->log.wanted()) {
+  BrokerHost* host = BrokerHost::Of(broker);
+  if (host != nullptr && !host->logBook().wanted()) {
     CMPIStatus ok;
     ok.rc = CMPI_RC_OK;
     ok.msg = nullptr;

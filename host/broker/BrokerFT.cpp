@@ -5,11 +5,10 @@
 #include <memory>
 #include <vector>
 
-#include "HostImpl.h"
 #include "broker/Broker.h"
+#include "broker/BrokerHost.h"
 #include "broker/FtBinding.h"
 #include "broker/Objects.h"
-#include "providers/Dispatcher.h"
 
 namespace cmpihost {
 namespace {
@@ -18,8 +17,8 @@ const char* const kNotOffered = "cmpihost does not offer this upcall";
 
 thread_local std::vector<std::unique_ptr<Scope>> tAttached;
 
-Host::Impl* HostFor(const CMPIBroker* broker, CMPIStatus* rc) {
-  Host::Impl* host = Host::Impl::Of(broker);
+BrokerHost* HostFor(const CMPIBroker* broker, CMPIStatus* rc) {
+  BrokerHost* host = BrokerHost::Of(broker);
   if (host == nullptr) {
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost (null or foreign handle)");
   }
@@ -39,7 +38,7 @@ std::unique_ptr<std::vector<std::string>> PropertyList(const char** properties) 
 
 // What an instance upcall works with once its arguments are checked.
 struct Upcall {
-  Host::Impl& host;
+  BrokerHost& host;
   PathData path;  // in the host's default namespace when it names none
 };
 
@@ -48,7 +47,7 @@ struct Upcall {
 // when anything is missing.
 std::optional<Upcall> BeginUpcall(const CMPIBroker* broker, const CMPIObjectPath* path,
                                   CMPIStatus* rc) {
-  Host::Impl* host = HostFor(broker, rc);
+  BrokerHost* host = HostFor(broker, rc);
   if (host == nullptr) {
     return std::nullopt;
   }
@@ -64,14 +63,14 @@ std::optional<Upcall> BeginUpcall(const CMPIBroker* broker, const CMPIObjectPath
   }
   Upcall upcall{*host, object->path};
   if (upcall.path.nameSpace.empty()) {
-    upcall.path.nameSpace = host->defaultNameSpace;
+    upcall.path.nameSpace = host->nameSpaceOfUnnamed();
   }
   return upcall;
 }
 
 // CMPI_RC_OK for one of our brokers; otherwise the status that says it is not.
 CMPIStatus CheckBroker(const CMPIBroker* broker) {
-  return Host::Impl::Of(broker) == nullptr
+  return BrokerHost::Of(broker) == nullptr
              ? MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost")
              : MakeStatus(CMPI_RC_OK);
 }
@@ -88,7 +87,7 @@ CMPIEnumeration* Enumerate(const CMPIBroker* broker, const CMPIObjectPath* path,
   }
   const auto list = PropertyList(properties);
   // An unknown class is answered like one without instances: empty.
-  const Gathered gathered = DispatchEnumerate(upcall->host, upcall->path, list.get(), namesOnly);
+  const Gathered gathered = upcall->host.enumerate(upcall->path, list.get(), namesOnly);
   if (gathered.status.rc != CMPI_RC_OK && gathered.status.rc != CMPI_RC_ERR_INVALID_CLASS) {
     SetGatheredStatus(rc, gathered.status);
     return nullptr;
@@ -123,7 +122,7 @@ CMPIInstance* GetInstance(const CMPIBroker* broker, const CMPIContext*, const CM
     return nullptr;
   }
   const auto list = PropertyList(properties);
-  const Gathered gathered = DispatchGetInstance(upcall->host, upcall->path, list.get());
+  const Gathered gathered = upcall->host.getInstance(upcall->path, list.get());
   if (gathered.status.rc != CMPI_RC_OK) {
     SetGatheredStatus(rc, gathered.status);
     return nullptr;
@@ -140,7 +139,7 @@ CMPIInstance* GetInstance(const CMPIBroker* broker, const CMPIContext*, const CM
 // --- threads ---
 
 CMPIContext* PrepareAttachThread(const CMPIBroker* broker, const CMPIContext* context) {
-  if (Host::Impl::Of(broker) == nullptr) {
+  if (BrokerHost::Of(broker) == nullptr) {
     return nullptr;
   }
   const ContextObject* object = AsContext(context);
@@ -287,12 +286,20 @@ const CMPIBrokerFT kBrokerFT = {
     CMPIHOST_SLOT(CMPIBrokerFT, getProperty, GetProperty),
 };
 
-void InitBroker(CMPIBroker& broker, void* host) {
-  broker.hdl = host;
-  broker.bft = const_cast<CMPIBrokerFT*>(&kBrokerFT);
-  broker.eft = const_cast<CMPIBrokerEncFT*>(&kBrokerEncFT);
-  broker.xft = const_cast<CMPIBrokerExtFT*>(&kBrokerExtFT);
-  broker.mft = const_cast<CMPIBrokerMemFT*>(&kBrokerMemFT);
+BrokerHost::BrokerHost() {
+  broker_.hdl = this;
+  broker_.bft = const_cast<CMPIBrokerFT*>(&kBrokerFT);
+  broker_.eft = const_cast<CMPIBrokerEncFT*>(&kBrokerEncFT);
+  broker_.xft = const_cast<CMPIBrokerExtFT*>(&kBrokerExtFT);
+  broker_.mft = const_cast<CMPIBrokerMemFT*>(&kBrokerMemFT);
+}
+
+BrokerHost* BrokerHost::Of(const CMPIBroker* broker) {
+  if (broker == nullptr ||
+      static_cast<const void*>(broker->bft) != static_cast<const void*>(&kBrokerFT)) {
+    return nullptr;
+  }
+  return static_cast<BrokerHost*>(const_cast<void*>(static_cast<const void*>(broker->hdl)));
 }
 
 }  // namespace cmpihost

@@ -6,8 +6,8 @@
 #include <memory>
 #include <unordered_set>
 
-#include "HostImpl.h"
 #include "broker/Broker.h"
+#include "broker/BrokerHost.h"
 #include "broker/FtBinding.h"
 #include "broker/Objects.h"
 
@@ -17,7 +17,7 @@ namespace {
 thread_local std::unordered_set<Scope*> tMarks;
 
 CMPIGcStat* Mark(const CMPIBroker* broker, CMPIStatus* rc) {
-  if (Host::Impl::Of(broker) == nullptr) {
+  if (BrokerHost::Of(broker) == nullptr) {
     SetStatus(rc, CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
     return nullptr;
   }
@@ -28,7 +28,7 @@ CMPIGcStat* Mark(const CMPIBroker* broker, CMPIStatus* rc) {
 }
 
 CMPIStatus ReleaseMark(const CMPIBroker* broker, const CMPIGcStat* mark) {
-  if (Host::Impl::Of(broker) == nullptr) {
+  if (BrokerHost::Of(broker) == nullptr) {
     return MakeStatus(CMPI_RC_ERR_INVALID_HANDLE, "not a broker of cmpihost");
   }
   auto* scope = static_cast<Scope*>(static_cast<void*>(const_cast<CMPIGcStat*>(mark)));
@@ -42,13 +42,13 @@ CMPIStatus ReleaseMark(const CMPIBroker* broker, const CMPIGcStat* mark) {
 
 void* Malloc(const CMPIBroker* broker, std::size_t size) {
   Scope* scope = Scope::Current();
-  return Host::Impl::Of(broker) == nullptr || scope == nullptr ? nullptr
+  return BrokerHost::Of(broker) == nullptr || scope == nullptr ? nullptr
                                                                : scope->allocate(size, false);
 }
 
 void* Calloc(const CMPIBroker* broker, std::size_t count, std::size_t size) {
   Scope* scope = Scope::Current();
-  if (Host::Impl::Of(broker) == nullptr || scope == nullptr ||
+  if (BrokerHost::Of(broker) == nullptr || scope == nullptr ||
       (size != 0 && count > SIZE_MAX / size)) {
     return nullptr;
   }
@@ -60,7 +60,7 @@ void* Realloc(const CMPIBroker* broker, void* block, std::size_t size) {
     return Malloc(broker, size);
   }
   Scope* owner = Scope::OwnerOfBlock(block);
-  return Host::Impl::Of(broker) == nullptr || owner == nullptr ? nullptr
+  return BrokerHost::Of(broker) == nullptr || owner == nullptr ? nullptr
                                                                : owner->reallocate(block, size);
 }
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "BagReading.h"
+#include "broker/BagReading.h"
 #include "broker/LogBook.h"
 #include "broker/Objects.h"
 
@@ -99,7 +99,7 @@ void WatchSet(const InstanceObject& instance, std::string_view name, CMPIType ty
   const auto [tracedName, text] = std::move(*building->traced);
   building->traced.reset();
   const auto index = instance.data().shape->find(name);
-  if ((type & CMPI_ARRAY) != 0 || !index || !EqualsIgnoreCase(tracedName, std::string(name))) {
+  if ((type & CMPI_ARRAY) != 0 || !index || !NoCaseEqual(tracedName, std::string(name))) {
     return;
   }
   const PropertyShape& property = instance.data().shape->properties[*index];

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // What libdiagcore's instance builder drops without a word, said in the
 // host's log. The builder makes an instance with newInstance, asks it for
 // the type of each bag property, traces "Setting property NAME to 'TEXT'"

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // CIM date-times as the host prints and reads them: 25 characters,
 // "yyyymmddhhmmss.mmmmmm+ooo" (offset from UTC in minutes) for points in
 // time, "ddddddddhhmmss.mmmmmm:000" for intervals.

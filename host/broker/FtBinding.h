@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Fills CMPI function tables from the host's functions whatever the header
 // set's exact member types are. Header sets agree on the binary interface but
 // differ in const (2.1 adds it to mutators), in getCharPtr's return type and

@@ -100,7 +100,7 @@ bool FilteredOut(const InstanceData& data, std::size_t index) {
   }
   const std::string& name = data.shape->properties[index].name;
   return std::none_of(data.filter->begin(), data.filter->end(),
-                      [&](const std::string& kept) { return EqualsIgnoreCase(kept, name); });
+                      [&](const std::string& kept) { return NoCaseEqual(kept, name); });
 }
 
 CMPIStatus SetValue(InstanceData& data, std::string_view name, const CMPIValue* value,

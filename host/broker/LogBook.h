@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Where logMessage and trace calls go: a bounded record while capture is on,
 // a sink if one is set, and nowhere otherwise.
 #ifndef CMPIHOST_BROKER_LOGBOOK_H_

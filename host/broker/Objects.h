@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The host's CMPI encapsulated objects. Each derives from the CMPI struct it
 // stands for (so a CMPI pointer converts back with static_cast) and from
 // HostObject (so a scope can own it). An object is recognised as the host's

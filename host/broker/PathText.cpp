@@ -7,7 +7,9 @@
 #include <limits>
 #include <stdexcept>
 
-#include "cmpihost/Host.h"
+#include "cmpihost/HostError.h"
+#include "text/Literals.h"
+#include "text/PathSyntax.h"
 
 namespace cmpihost {
 namespace {
@@ -18,78 +20,9 @@ class ValueProblem : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-[[noreturn]] void Fail(const std::string& text, std::size_t column, const std::string& problem) {
-  throw HostError("path text '" + text + "': column " + std::to_string(column) + ": " + problem);
-}
-
-// ASCII letters, digits and '_' only, as the "C" locale's isalpha and
-// isalnum have them, without a call into the C library per character.
-bool IsNameStart(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-}
-bool IsNameChar(char c) {
-  return IsNameStart(c) || (c >= '0' && c <= '9');
-}
-
-std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) {
-    return "";
-  }
-  const std::size_t last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
-
 // How a value was written: in a path as a quoted string or a bare token, or
 // as plain text (an argument), where strings need no quotes.
 enum class Form { kQuoted, kBare, kPlain };
-
-bool ParseUnsigned(const std::string& text, std::uint64_t max, std::uint64_t& out) {
-  if (text.empty() || text[0] == '-' || std::isspace(static_cast<unsigned char>(text[0])) != 0) {
-    return false;
-  }
-  errno = 0;
-  char* end = nullptr;
-  const unsigned long long value = std::strtoull(text.c_str(), &end, 10);
-  if (errno != 0 || *end != '\0' || value > max) {
-    return false;
-  }
-  out = value;
-  return true;
-}
-
-bool ParseSigned(const std::string& text, std::int64_t min, std::int64_t max, std::int64_t& out) {
-  if (text.empty() || std::isspace(static_cast<unsigned char>(text[0])) != 0) {
-    return false;
-  }
-  errno = 0;
-  char* end = nullptr;
-  const long long value = std::strtoll(text.c_str(), &end, 10);
-  if (errno != 0 || *end != '\0' || value < min || value > max) {
-    return false;
-  }
-  out = value;
-  return true;
-}
-
-bool ParseReal(const std::string& text, double& out) {
-  if (text.empty() || std::isspace(static_cast<unsigned char>(text[0])) != 0) {
-    return false;
-  }
-  char* end = nullptr;
-  out = std::strtod(text.c_str(), &end);
-  return *end == '\0';
-}
-
-std::optional<bool> ParseBoolean(const std::string& text) {
-  if (EqualsIgnoreCase(text, "TRUE")) {
-    return true;
-  }
-  if (EqualsIgnoreCase(text, "FALSE")) {
-    return false;
-  }
-  return std::nullopt;
-}
 
 std::uint64_t UnsignedMax(CMPIType type) {
   switch (type) {
@@ -115,25 +48,6 @@ std::pair<std::int64_t, std::int64_t> SignedRange(CMPIType type) {
     default:
       return {std::numeric_limits<CMPISint64>::min(), std::numeric_limits<CMPISint64>::max()};
   }
-}
-
-// Reads a double-quoted string starting at text[pos] == '"'; resolves
-// backslash escapes (\" and \\, and any other escaped character as itself).
-// Returns the position after the closing quote, or npos when unterminated.
-std::size_t ReadQuoted(const std::string& text, std::size_t pos, std::string& out) {
-  std::size_t run = ++pos;  // start of the characters not yet copied
-  for (; pos < text.size(); ++pos) {
-    if (text[pos] == '\\' && pos + 1 < text.size()) {
-      out.append(text, run, pos - run);
-      out += text[++pos];
-      run = pos + 1;
-    } else if (text[pos] == '"') {
-      out.append(text, run, pos - run);
-      return pos + 1;
-    }
-  }
-  out.append(text, run, pos - run);
-  return std::string::npos;
 }
 
 HostValue Convert(const std::string& text, Form form, CMPIType type, const std::string& nameSpace,
@@ -225,7 +139,7 @@ HostValue Convert(const std::string& text, Form form, CMPIType type, const std::
         throw ValueProblem(std::string("bad reference: ") + error.what());
       }
     case CMPI_boolean: {
-      const std::optional<bool> flag = ParseBoolean(text);
+      const std::optional<bool> flag = ReadBoolean(text);
       if (!flag) {
         throw ValueProblem("'" + text + "' is not TRUE or FALSE");
       }
@@ -236,7 +150,7 @@ HostValue Convert(const std::string& text, Form form, CMPIType type, const std::
     case CMPI_uint32:
     case CMPI_uint64: {
       std::uint64_t number = 0;
-      if (!ParseUnsigned(text, UnsignedMax(type), number)) {
+      if (!ReadUnsigned(text, UnsignedMax(type), number)) {
         throw ValueProblem("'" + text + "' is not a " + CmpiTypeName(type) + " (0 to " +
                            std::to_string(UnsignedMax(type)) + ")");
       }
@@ -248,7 +162,7 @@ HostValue Convert(const std::string& text, Form form, CMPIType type, const std::
     case CMPI_sint64: {
       std::int64_t number = 0;
       const auto [min, max] = SignedRange(type);
-      if (!ParseSigned(text, min, max, number)) {
+      if (!ReadSigned(text, min, max, number)) {
         throw ValueProblem("'" + text + "' is not a " + CmpiTypeName(type) + " (" +
                            std::to_string(min) + " to " + std::to_string(max) + ")");
       }
@@ -257,7 +171,7 @@ HostValue Convert(const std::string& text, Form form, CMPIType type, const std::
     case CMPI_real32:
     case CMPI_real64: {
       double number = 0;
-      if (!ParseReal(text, number)) {
+      if (!ReadReal(text, number)) {
         throw ValueProblem("'" + text + "' is not a real number");
       }
       return HostValue::Real(type, number);
@@ -272,20 +186,20 @@ HostValue Inferred(const PathSyntax::Key& key) {
   if (key.quoted) {
     return HostValue::String(key.text);
   }
-  if (const std::optional<bool> flag = ParseBoolean(key.text)) {
+  if (const std::optional<bool> flag = ReadBoolean(key.text)) {
     return HostValue::Boolean(*flag);
   }
   std::uint64_t unsignedNumber = 0;
-  if (ParseUnsigned(key.text, std::numeric_limits<std::uint64_t>::max(), unsignedNumber)) {
+  if (ReadUnsigned(key.text, std::numeric_limits<std::uint64_t>::max(), unsignedNumber)) {
     return HostValue::Unsigned(CMPI_uint64, unsignedNumber);
   }
   std::int64_t signedNumber = 0;
-  if (ParseSigned(key.text, std::numeric_limits<std::int64_t>::min(),
-                  std::numeric_limits<std::int64_t>::max(), signedNumber)) {
+  if (ReadSigned(key.text, std::numeric_limits<std::int64_t>::min(),
+                 std::numeric_limits<std::int64_t>::max(), signedNumber)) {
     return HostValue::Signed(CMPI_sint64, signedNumber);
   }
   double real = 0;
-  if (ParseReal(key.text, real)) {
+  if (ReadReal(key.text, real)) {
     return HostValue::Real(CMPI_real64, real);
   }
   throw ValueProblem("bare value '" + key.text +
@@ -293,104 +207,6 @@ HostValue Inferred(const PathSyntax::Key& key) {
 }
 
 }  // namespace
-
-PathSyntax ParsePathSyntax(const std::string& text) {
-  PathSyntax syntax;
-  if (text.empty()) {
-    Fail(text, 1, "the text is empty");
-  }
-  const std::size_t n = text.size();
-  std::size_t pos = 0;
-  if (text.compare(0, 2, "//") == 0) {
-    const std::size_t slash = text.find('/', 2);
-    if (slash == std::string::npos) {
-      Fail(text, n + 1, "expected '/' after the host name");
-    }
-    syntax.host = text.substr(2, slash - 2);
-    if (syntax.host.empty()) {
-      Fail(text, 3, "the host name is empty");
-    }
-    pos = slash + 1;
-  }
-  const std::size_t dot = text.find('.', pos);
-  const std::size_t colon = text.find(':', pos);
-  if (colon != std::string::npos && (dot == std::string::npos || colon < dot)) {
-    if (colon == pos) {
-      Fail(text, pos + 1, "the namespace before ':' is empty");
-    }
-    for (std::size_t i = pos; i < colon; ++i) {
-      if (!IsNameChar(text[i]) && text[i] != '/') {
-        Fail(text, i + 1, std::string("unexpected character '") + text[i] + "' in the namespace");
-      }
-    }
-    syntax.nameSpace = text.substr(pos, colon - pos);
-    pos = colon + 1;
-  }
-  const std::size_t classStart = pos;
-  while (pos < n && IsNameChar(text[pos])) {
-    ++pos;
-  }
-  if (pos == classStart || !IsNameStart(text[classStart])) {
-    Fail(text, classStart + 1, "expected a class name");
-  }
-  syntax.className = text.substr(classStart, pos - classStart);
-  if (pos == n) {
-    return syntax;
-  }
-  if (text[pos] != '.') {
-    Fail(text, pos + 1,
-         std::string("expected '.' and keys after the class name, found '") + text[pos] + "'");
-  }
-  ++pos;
-  syntax.keys.reserve(static_cast<std::size_t>(std::count(text.begin() + pos, text.end(), ',')) +
-                      1);
-  while (true) {
-    const std::size_t nameStart = pos;
-    while (pos < n && IsNameChar(text[pos])) {
-      ++pos;
-    }
-    if (pos == nameStart || !IsNameStart(text[nameStart])) {
-      Fail(text, nameStart + 1, "expected a key name");
-    }
-    PathSyntax::Key key;
-    key.name = text.substr(nameStart, pos - nameStart);
-    for (const PathSyntax::Key& earlier : syntax.keys) {
-      if (EqualsIgnoreCase(earlier.name, key.name)) {
-        Fail(text, nameStart + 1, "key '" + key.name + "' is given twice");
-      }
-    }
-    if (pos == n || text[pos] != '=') {
-      Fail(text, pos + 1, "expected '=' after the key name '" + key.name + "'");
-    }
-    ++pos;
-    key.column = pos + 1;
-    if (pos < n && text[pos] == '"') {
-      pos = ReadQuoted(text, pos, key.text);
-      if (pos == std::string::npos) {
-        Fail(text, key.column, "the string value of '" + key.name + "' is not terminated");
-      }
-      key.quoted = true;
-    } else {
-      const std::size_t comma = text.find(',', pos);
-      const std::size_t end = comma == std::string::npos ? n : comma;
-      key.text = text.substr(pos, end - pos);
-      if (key.text.empty()) {
-        Fail(text, key.column, "the key '" + key.name + "' has no value");
-      }
-      pos = end;
-    }
-    syntax.keys.push_back(std::move(key));
-    if (pos == n) {
-      return syntax;
-    }
-    if (text[pos] != ',') {
-      Fail(text, pos + 1,
-           "expected ',' or the end of the text after the value of '" + syntax.keys.back().name +
-               "'");
-    }
-    ++pos;
-  }
-}
 
 PathData TypePath(const PathSyntax& syntax, const std::string& text,
                   const std::string& defaultNameSpace, const ShapeLookup& lookup) {
@@ -413,17 +229,19 @@ PathData TypePath(const PathSyntax& syntax, const std::string& text,
       }
       const auto index = shape->find(key.name);
       if (!index) {
-        Fail(text, key.column, "class " + shape->className + " has no property '" + key.name + "'");
+        FailPathText(text, key.column,
+                     "class " + shape->className + " has no property '" + key.name + "'");
       }
       const PropertyShape& property = shape->properties[*index];
       if (!property.isKey) {
-        Fail(text, key.column,
-             "property " + property.name + " of class " + shape->className + " is not a key");
+        FailPathText(
+            text, key.column,
+            "property " + property.name + " of class " + shape->className + " is not a key");
       }
       path.keys.append(property.name, Convert(key.text, key.quoted ? Form::kQuoted : Form::kBare,
                                               property.type, path.nameSpace, lookup));
     } catch (const ValueProblem& problem) {
-      Fail(text, key.column, "key " + key.name + ": " + problem.what());
+      FailPathText(text, key.column, "key " + key.name + ": " + problem.what());
     }
   }
   return path;

@@ -1,6 +1,6 @@
-// Object path texts and value texts as a user of the host writes them:
-// `[//host/][namespace:]Class[.key=value,...]`, values quoted ("a \"b\"")
-// or bare (5, -3, 2.5, TRUE, FALSE); keys typed from the class declaration.
+// The front door is cmpihost/Host.h; this header is internal.
+// Path texts and value texts made into typed host values: keys typed from
+// the class declaration (the syntax itself is text/PathSyntax's).
 #ifndef CMPIHOST_BROKER_PATHTEXT_H_
 #define CMPIHOST_BROKER_PATHTEXT_H_
 
@@ -15,28 +15,13 @@
 
 #include "broker/Values.h"
 #include "repository/MofValue.h"
+#include "text/PathSyntax.h"
 
 namespace cmpihost {
 
 // The class's shape, or null for an unknown class.
 using ShapeLookup = std::function<std::shared_ptr<const ClassShape>(const std::string& nameSpace,
                                                                     const std::string& className)>;
-
-struct PathSyntax {
-  struct Key {
-    std::string name;
-    std::string text;  // escapes resolved
-    bool quoted = false;
-    std::size_t column = 0;  // 1-based, of the value
-  };
-  std::string host;
-  std::string nameSpace;  // "" when the text gives none
-  std::string className;
-  std::vector<Key> keys;
-};
-
-// Reads the syntax only. Throws HostError "path text '...': column N: problem".
-PathSyntax ParsePathSyntax(const std::string& text);
 
 // Types the keys by the class's declaration (Key properties only). For a
 // class the lookup does not know, types follow the literals: quoted ->

@@ -39,10 +39,6 @@ Scope* Scope::Current() {
   return tScopes.empty() ? nullptr : tScopes.back();
 }
 
-std::size_t OpenScopeCount() {
-  return tScopes.size();
-}
-
 void Scope::adopt(HostObject* object) {
   std::lock_guard<std::mutex> lock(mutex_);
   object->scope_ = this;

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Call-scoped ownership of the broker's objects. Every object the broker
 // creates while a scope is open on the thread belongs to the innermost scope
 // and dies with it, so that a provider keeping a call's object past the call
@@ -69,9 +70,6 @@ class Scope {
 
 // Frees an object now: detaches it from its scope, if any, and deletes it.
 void ReleaseObject(HostObject* object);
-
-// How many scopes are open on the calling thread.
-std::size_t OpenScopeCount();
 
 }  // namespace cmpihost
 

@@ -1,40 +1,15 @@
 // The plain C++ copies of what providers deliver: printing and lookups.
-#include <strings.h>
 
 #include <sstream>
 
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Reply.h"
 #include "cmpihost/Value.h"
+#include "text/Literals.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 namespace {
-
-std::string Quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    switch (c) {
-      case '"':
-        out += "\\\"";
-        break;
-      case '\\':
-        out += "\\\\";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      case '\t':
-        out += "\\t";
-        break;
-      case '\r':
-        out += "\\r";
-        break;
-      default:
-        out += c;
-    }
-  }
-  return out + "\"";
-}
 
 std::string ScalarToMof(const Value& value, CMPIType type) {
   switch (type) {
@@ -59,7 +34,7 @@ std::string ScalarToMof(const Value& value, CMPIType type) {
       return out.str();
     }
     default:
-      return Quoted(value.text);
+      return MofQuoted(value.text);
   }
 }
 
@@ -83,7 +58,7 @@ std::string Value::toMof() const {
 
 const Value* InstanceSnapshot::find(const std::string& name) const {
   for (const Property& property : properties) {
-    if (strcasecmp(property.name.c_str(), name.c_str()) == 0) {
+    if (NoCaseEqual(property.name, name)) {
       return &property.value;
     }
   }

@@ -1,13 +1,14 @@
 #include "broker/Values.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
+
+#include "text/Literals.h"
+#include "text/PathSyntax.h"
 
 namespace cmpihost {
 
@@ -159,19 +160,9 @@ void HostValue::setDateTime(const DateTime& dateTime) {
   text = dateTime.text;
 }
 
-bool EqualsIgnoreCase(const std::string& a, const std::string& b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
-
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
-
 const NamedValue* NamedValues::find(const std::string& name) const {
   for (const NamedValue& item : items_) {
-    if (EqualsIgnoreCase(item.name, name)) {
+    if (NoCaseEqual(item.name, name)) {
       return &item;
     }
   }
@@ -184,7 +175,7 @@ void NamedValues::append(const std::string& name, HostValue value) {
 
 void NamedValues::set(const std::string& name, HostValue value) {
   for (NamedValue& item : items_) {
-    if (EqualsIgnoreCase(item.name, name)) {
+    if (NoCaseEqual(item.name, name)) {
       item.value = std::move(value);
       return;
     }
@@ -192,100 +183,9 @@ void NamedValues::set(const std::string& name, HostValue value) {
   items_.push_back(NamedValue{name, std::move(value)});
 }
 
-namespace {
-
-char LowerAscii(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Length and three letters (first, middle, last), case folded by | 0x20
-// (A-Z become a-z, so names equal without case hash the same; the few other
-// characters it folds together only cost a comparison). Reading every
-// character cost more than the probes it saves; length and end letters alone
-// made names like "LoopsFailed" and "LoopsPassed" probe each other.
-std::uint32_t NoCaseNameHash(std::string_view name) {
-  if (name.empty()) {
-    return 0;
-  }
-  const auto folded = [&name](std::size_t i) {
-    return static_cast<std::uint32_t>(static_cast<unsigned char>(name[i] | 0x20));
-  };
-  const std::uint32_t mixed = static_cast<std::uint32_t>(name.size()) * 0x9E3779B1U ^
-                              folded(0) * 0x85EBCA77U ^ folded(name.size() / 2) * 0xC2B2AE3DU ^
-                              folded(name.size() - 1) * 0x27D4EB2FU;
-  return mixed ^ (mixed >> 15);
-}
-
-// Callers nearly always give the declared spelling: one memcmp answers
-// those; ASCII case folding in line answers the rest, as CIM names need.
-bool SameName(const std::string& declared, std::string_view name) {
-  if (declared.size() != name.size()) {
-    return false;
-  }
-  if (std::string_view(declared) == name) {
-    return true;
-  }
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    const char a = declared[i];
-    const char b = name[i];
-    if (a != b && LowerAscii(a) != LowerAscii(b)) {
-      return false;
-    }
-  }
-  return true;
-}
-
-constexpr std::uint32_t kIndexBits = 16;
-constexpr std::uint32_t kIndexMask = (1U << kIndexBits) - 1;
-
-// A slot holds the property's index + 1 in its low half (0: free) and the
-// high half of the name's hash, which turns away most other names unread.
-std::uint32_t HashTag(std::uint32_t hash) {
-  return hash & ~kIndexMask;
-}
-
-}  // namespace
-
-void ClassShape::buildIndex() {
-  if (properties.size() >= kIndexMask) {
-    return;  // more than any class declares: find keeps comparing names
-  }
-  std::size_t size = 4;
-  while (size < properties.size() * 2) {
-    size *= 2;
-  }
-  slots_.assign(size, 0);
-  for (std::size_t i = 0; i < properties.size(); ++i) {
-    const std::uint32_t hash = NoCaseNameHash(properties[i].name);
-    std::size_t slot = hash & (size - 1);
-    while (slots_[slot] != 0) {
-      slot = (slot + 1) & (size - 1);
-    }
-    slots_[slot] = HashTag(hash) | static_cast<std::uint32_t>(i + 1);
-  }
-}
-
-// Every getProperty and setProperty asks this: a hash probe when the shape
-// is indexed, and a C string argument needs no std::string made of it.
 std::optional<std::size_t> ClassShape::find(std::string_view name) const {
-  if (!slots_.empty()) {
-    const std::uint32_t hash = NoCaseNameHash(name);
-    const std::uint32_t tag = HashTag(hash);
-    const std::size_t mask = slots_.size() - 1;
-    for (std::size_t slot = hash & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
-      const std::uint32_t entry = slots_[slot];
-      if (HashTag(entry) != tag) {
-        continue;
-      }
-      const std::size_t index = (entry & kIndexMask) - 1U;
-      if (SameName(properties[index].name, name)) {
-        return index;
-      }
-    }
-    return std::nullopt;
-  }
   for (std::size_t i = 0; i < properties.size(); ++i) {
-    if (SameName(properties[i].name, name)) {
+    if (NoCaseEqual(properties[i].name, name)) {
       return i;
     }
   }
@@ -328,53 +228,6 @@ std::string RealText(double value, bool single) {
 
 namespace {
 
-// Appends `text` in double quotes, a backslash before each '"' and '\\';
-// the runs between them go in whole.
-// The position of the first '"' or '\\' in `text` from `from`, or its size:
-// eight characters per step, since every key value of every printed path is
-// scanned and nearly none holds either.
-std::size_t NextToEscape(const std::string& text, std::size_t from) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
-  constexpr std::uint64_t kHighBits = 0x8080808080808080ULL;
-  const auto hasZeroByte = [](std::uint64_t word) {
-    return ((word - kOnes) & ~word & kHighBits) != 0;
-  };
-  std::size_t at = from;
-  for (; at + 8 <= text.size(); at += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + at, 8);
-    if (hasZeroByte(word ^ ('"' * kOnes)) || hasZeroByte(word ^ ('\\' * kOnes))) {
-      break;  // one of the eight is; found below
-    }
-  }
-  for (; at < text.size(); ++at) {
-    if (text[at] == '"' || text[at] == '\\') {
-      return at;
-    }
-  }
-  return at;
-}
-
-void AppendQuoted(std::string& out, const std::string& text) {
-  out += '"';
-  std::size_t start = 0;
-  for (std::size_t i = NextToEscape(text, 0); i < text.size(); i = NextToEscape(text, i + 1)) {
-    out.append(text, start, i - start);
-    out += '\\';
-    out += text[i];
-    start = i + 1;
-  }
-  out.append(text, start, std::string::npos);
-  out += '"';
-}
-
-std::string Quoted(const std::string& text) {
-  std::string out;
-  out.reserve(text.size() + 2);
-  AppendQuoted(out, text);
-  return out;
-}
-
 std::uint64_t UnsignedOf(const HostValue& value) {
   switch (value.type & ~CMPI_ARRAY) {
     case CMPI_uint8:
@@ -413,30 +266,6 @@ bool IsSigned(CMPIType type) {
 
 }  // namespace
 
-namespace {
-
-// Appends KeyValueText(value): strings, date-times and references straight
-// into `out`, since paths are printed for every lookup a provider makes.
-void AppendKeyValueText(std::string& out, const HostValue& value) {
-  if (!value.null) {
-    switch (value.type) {
-      case CMPI_dateTime:
-      case CMPI_string:
-      case CMPI_chars:
-        AppendQuoted(out, value.text);
-        return;
-      case CMPI_ref:
-        AppendQuoted(out, value.path() != nullptr ? PathToString(*value.path()) : std::string());
-        return;
-      default:
-        break;
-    }
-  }
-  out += KeyValueText(value);
-}
-
-}  // namespace
-
 std::string KeyValueText(const HostValue& value) {
   if (value.null) {
     return "NULL";
@@ -470,37 +299,19 @@ std::string KeyValueText(const HostValue& value) {
 }
 
 std::string PathToString(const PathData& path) {
-  const std::vector<NamedValue>& keys = path.keys.items();
-  std::size_t length = path.host.size() + path.nameSpace.size() + path.className.size() + 4;
-  for (const NamedValue& key : keys) {
-    length += key.name.size() + key.value.text.size() + 4;
-  }
-  std::string out;
-  out.reserve(length);
-  if (!path.host.empty()) {
-    out += "//";
-    out += path.host;
-    out += '/';
-  }
-  if (!path.nameSpace.empty()) {
-    out += path.nameSpace;
-    out += ':';
-  }
-  out += path.className;
-  // In the order they were added: a provider that depends on the order
+  // Keys in the order they were added: a provider that depends on the order
   // must show it here, as it would in a CIMOM that hands paths on as sent.
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    out += i == 0 ? '.' : ',';
-    out += keys[i].name;
-    out += '=';
-    AppendKeyValueText(out, keys[i].value);
+  std::vector<std::pair<std::string, std::string>> keys;
+  keys.reserve(path.keys.size());
+  for (const NamedValue& key : path.keys.items()) {
+    keys.emplace_back(key.name, KeyValueText(key.value));
   }
-  return out;
+  return PathText(path.host, path.nameSpace, path.className, keys);
 }
 
 bool SamePath(const PathData& a, const PathData& b) {
-  if (!EqualsIgnoreCase(a.host, b.host) || !EqualsIgnoreCase(a.nameSpace, b.nameSpace) ||
-      !EqualsIgnoreCase(a.className, b.className) || a.keys.size() != b.keys.size()) {
+  if (!NoCaseEqual(a.host, b.host) || !NoCaseEqual(a.nameSpace, b.nameSpace) ||
+      !NoCaseEqual(a.className, b.className) || a.keys.size() != b.keys.size()) {
     return false;
   }
   // Keys are a set: two paths that differ only in their keys' order or the

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The host's own copies of CMPI data. Every CMPI object keeps its content in
 // these plain values, and every value handed across the CMPI boundary is
 // copied in or out, so no object ever points into another one (a scope can
@@ -18,6 +19,7 @@
 #include "cmpihost/CmpiNames.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 
@@ -112,12 +114,6 @@ struct ClassShape {
   std::vector<PropertyShape> properties;
   // Index of the property (case-insensitive), or nullopt.
   std::optional<std::size_t> find(std::string_view name) const;
-  // Makes find a hash lookup; call once `properties` is complete and before
-  // the shape is shared. Without it find compares names one by one.
-  void buildIndex();
-
- private:
-  std::vector<std::uint32_t> slots_;  // by name hash: hash tag | property index + 1; 0 is free
 };
 
 struct InstanceData {
@@ -133,10 +129,6 @@ struct InstanceData {
   // in the class's declaration order.
   PathData objectPath() const;
 };
-
-bool EqualsIgnoreCase(const std::string& a, const std::string& b);
-// A stable lower-case form for map keys.
-std::string LowerCase(std::string text);
 
 // `//host/namespace:Class.k1="v",k2=5`: host and namespace only when set,
 // keys in the path's own order.

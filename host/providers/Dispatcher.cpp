@@ -1,36 +1,16 @@
 #include "providers/Dispatcher.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <exception>
 #include <utility>
 #include <vector>
 
 #include "broker/PathText.h"
+#include "providers/Activation.h"
 #include "repository/StaticInstance.h"
 
 namespace cmpihost {
 namespace {
-
-Status Failure(CMPIrc rc, std::string message) {
-  Status status;
-  status.rc = rc;
-  status.hasMessage = true;
-  status.message = std::move(message);
-  return status;
-}
-
-Status CopyStatus(const CMPIStatus& status) {
-  Status out;
-  out.rc = status.rc;
-  if (status.msg != nullptr) {
-    out.hasMessage = true;
-    const StringObject* message = AsString(status.msg);
-    out.message = message != nullptr ? message->chars : "(the message is not a string of cmpihost)";
-  }
-  return out;
-}
 
 // A property list as MI functions take it: null, or names ending in null.
 class PropertyArray {
@@ -54,108 +34,8 @@ const char* OrNull(const std::optional<std::string>& text) {
   return text ? text->c_str() : nullptr;
 }
 
-ShapeLookup LookupOf(Host::Impl& host) {
-  return [&host](const std::string& nameSpace, const std::string& className) {
-    return host.shapeOf(nameSpace, className);
-  };
-}
-
-// --- creating MIs ---
-
 template <typename MI>
-using NamedFactory = MI* (*)(const CMPIBroker*, const CMPIContext*, CMPIStatus*);
-template <typename MI>
-using GenericFactory = MI* (*)(const CMPIBroker*, const CMPIContext*, const char*, CMPIStatus*);
-
-template <typename MI>
-void* CallLibraryFactory(void* symbol, bool generic, const CMPIBroker* broker,
-                         const CMPIContext* context, const char* name, CMPIStatus* status) {
-  MI* mi = generic ? reinterpret_cast<GenericFactory<MI>>(symbol)(broker, context, name, status)
-                   : reinterpret_cast<NamedFactory<MI>>(symbol)(broker, context, status);
-  return (mi != nullptr && mi->ft == nullptr) ? nullptr : mi;
-}
-
-void* CallLibrary(MiKind kind, void* symbol, bool generic, const CMPIBroker* broker,
-                  const CMPIContext* context, const char* name, CMPIStatus* status) {
-  switch (kind) {
-    case MiKind::kInstance:
-      return CallLibraryFactory<CMPIInstanceMI>(symbol, generic, broker, context, name, status);
-    case MiKind::kMethod:
-      return CallLibraryFactory<CMPIMethodMI>(symbol, generic, broker, context, name, status);
-    case MiKind::kAssociation:
-      return CallLibraryFactory<CMPIAssociationMI>(symbol, generic, broker, context, name, status);
-  }
-  return nullptr;
-}
-
-template <typename MI>
-void* CallInProcess(NamedFactory<MI> factory, const CMPIBroker* broker, const CMPIContext* context,
-                    CMPIStatus* status) {
-  MI* mi = factory(broker, context, status);
-  return (mi != nullptr && mi->ft == nullptr) ? nullptr : mi;
-}
-
-void* CallFactory(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
-  Scope scope;
-  const ContextObject* context =
-      CreateInScope<ContextObject>(nullptr, host.contextEntries(provider.nameSpace));
-  CMPIStatus status;
-  status.rc = CMPI_RC_OK;
-  status.msg = nullptr;
-  void* mi = nullptr;
-  std::string factory;
-  const std::string kindName = MiKindName(kind);
-  try {
-    if (provider.library != nullptr) {
-      const std::string generic = "_Generic_Create_" + kindName + "MI";
-      const std::string named = provider.name + "_Create_" + kindName + "MI";
-      if (void* symbol = dlsym(provider.library, generic.c_str())) {
-        factory = generic;
-        mi = CallLibrary(kind, symbol, true, &host.broker, context, provider.name.c_str(), &status);
-      } else if (void* namedSymbol = dlsym(provider.library, named.c_str())) {
-        factory = named;
-        mi = CallLibrary(kind, namedSymbol, false, &host.broker, context, provider.name.c_str(),
-                         &status);
-      } else {
-        refusal =
-            "library " + provider.libraryPath + " exports neither " + generic + " nor " + named;
-        return nullptr;
-      }
-    } else {
-      factory = "the in-process " + kindName + " MI factory";
-      const MiFactories& factories = provider.factories;
-      if (kind == MiKind::kInstance && factories.instance != nullptr) {
-        mi = CallInProcess(factories.instance, &host.broker, context, &status);
-      } else if (kind == MiKind::kMethod && factories.method != nullptr) {
-        mi = CallInProcess(factories.method, &host.broker, context, &status);
-      } else if (kind == MiKind::kAssociation && factories.association != nullptr) {
-        mi = CallInProcess(factories.association, &host.broker, context, &status);
-      } else {
-        refusal = "it was registered without " + kindName + " MI factory";
-        return nullptr;
-      }
-    }
-  } catch (const std::exception& error) {
-    refusal = factory + " threw: " + error.what();
-    return nullptr;
-  } catch (...) {
-    refusal = factory + " threw";
-    return nullptr;
-  }
-  if (status.rc != CMPI_RC_OK) {
-    const Status copied = CopyStatus(status);
-    refusal = factory + " answered rc " + std::to_string(status.rc) +
-              (copied.hasMessage ? " (" + copied.message + ")" : std::string());
-    return nullptr;
-  }
-  if (mi == nullptr) {
-    refusal = factory + " returned no MI (or one without a function table)";
-  }
-  return mi;
-}
-
-template <typename MI>
-MI* MiFor(Host::Impl& host, ProviderEntry& provider, MiKind kind, Gathered& gathered) {
+MI* MiFor(HostState& host, ProviderEntry& provider, MiKind kind, Gathered& gathered) {
   std::string refusal;
   void* mi = ActivateMi(host, provider, kind, refusal);
   if (mi == nullptr) {
@@ -176,7 +56,7 @@ CMPIStatus Missing(const ProviderEntry& provider, MiKind kind, const char* funct
 // Runs one MI call in a call scope of its own and copies out, before the
 // scope frees them, the status and everything delivered to the result.
 template <typename Call>
-void CallProvider(Host::Impl& host, const PathData& path, Gathered& gathered, Call&& call) {
+void CallProvider(HostState& host, const PathData& path, Gathered& gathered, Call&& call) {
   Scope scope;
   const ContextObject* context =
       CreateInScope<ContextObject>(nullptr, host.contextEntries(path.nameSpace));
@@ -201,7 +81,7 @@ void CallProvider(Host::Impl& host, const PathData& path, Gathered& gathered, Ca
 }
 
 // The path's class, or its nearest ancestor, that has a provider of the kind.
-ProviderEntry* NearestProvider(Host::Impl& host, const std::string& nameSpace,
+ProviderEntry* NearestProvider(HostState& host, const std::string& nameSpace,
                                const std::string& className, MiKind kind) {
   std::string current = className;
   for (int depth = 0; !current.empty() && depth < 256; ++depth) {
@@ -254,7 +134,7 @@ ResultRecord Record(ResultRecord::Kind kind, HostValue value) {
 // A request served by one provider, the nearest of the path's class and its
 // superclasses that offers the kind (get, create, modify, delete, invoke).
 template <typename MI, typename Call>
-Gathered RouteToNearestProvider(Host::Impl& host, const PathData& path, MiKind kind, Call&& call) {
+Gathered RouteToNearestProvider(HostState& host, const PathData& path, MiKind kind, Call&& call) {
   Gathered gathered;
   if (host.repository.findClass(path.nameSpace, path.className) == nullptr) {
     gathered.status = UnknownClass(path.nameSpace, path.className);
@@ -278,7 +158,7 @@ Gathered RouteToNearestProvider(Host::Impl& host, const PathData& path, MiKind k
 }
 
 template <typename Call>
-Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& call) {
+Gathered RouteToInstanceProvider(HostState& host, const PathData& path, Call&& call) {
   return RouteToNearestProvider<CMPIInstanceMI>(host, path, MiKind::kInstance,
                                                 std::forward<Call>(call));
 }
@@ -286,7 +166,7 @@ Gathered RouteToInstanceProvider(Host::Impl& host, const PathData& path, Call&& 
 // Each class of an enumeration or query: `classPath`'s class and its
 // subclasses, as paths without keys. Empty, with the status set in
 // `gathered`, for an unknown class.
-std::vector<PathData> ClassPaths(Host::Impl& host, const PathData& classPath, Gathered& gathered) {
+std::vector<PathData> ClassPaths(HostState& host, const PathData& classPath, Gathered& gathered) {
   std::vector<PathData> paths;
   for (const ClassDecl* decl :
        host.repository.classAndSubclasses(classPath.nameSpace, classPath.className)) {
@@ -305,8 +185,7 @@ std::vector<PathData> ClassPaths(Host::Impl& host, const PathData& classPath, Ga
 // registration order. False, with the reason in `gathered`, as soon as an
 // MI cannot be had or a call fails.
 template <typename Call>
-bool CallInstanceProviders(Host::Impl& host, const PathData& path, Gathered& gathered,
-                           Call&& call) {
+bool CallInstanceProviders(HostState& host, const PathData& path, Gathered& gathered, Call&& call) {
   for (ProviderEntry* provider :
        host.providers.forClass(path.nameSpace, path.className, MiKind::kInstance)) {
     gathered.served = true;
@@ -328,147 +207,7 @@ bool CallInstanceProviders(Host::Impl& host, const PathData& path, Gathered& gat
 
 }  // namespace
 
-void* ActivateMi(Host::Impl& host, ProviderEntry& provider, MiKind kind, std::string& refusal) {
-  ProviderEntry::Slot& slot = provider.slots[static_cast<std::size_t>(kind)];
-  if (!slot.settled.load(std::memory_order_acquire)) {
-    std::lock_guard<std::recursive_mutex> lock(host.providers.activationMutex());
-    if (!slot.settled.load(std::memory_order_acquire)) {
-      if (slot.creating) {
-        refusal = std::string("its ") + MiKindName(kind) +
-                  " MI factory is still running (it asked for its own MI)";
-        return nullptr;
-      }
-      slot.creating = true;
-      std::string why;
-      void* mi = CallFactory(host, provider, kind, why);
-      slot.creating = false;
-      slot.mi = mi;
-      slot.refusal = why;
-      slot.settled.store(true, std::memory_order_release);
-      if (mi != nullptr) {
-        host.providers.noteCreated(&provider, kind);
-      }
-    }
-  }
-  if (slot.mi == nullptr) {
-    refusal = slot.refusal;
-  }
-  return slot.mi;
-}
-
-std::vector<std::string> ActivateAll(Host::Impl& host) {
-  std::vector<std::string> refusals;
-  for (const auto& [provider, kind] : host.providers.allKinds()) {
-    std::string refusal;
-    if (ActivateMi(host, *provider, kind, refusal) == nullptr) {
-      refusals.push_back("provider " + provider->name + ", " + MiKindName(kind) +
-                         " MI: " + refusal);
-    }
-  }
-  return refusals;
-}
-
-namespace {
-
-// One MI's cleanup, in a call scope of its own as every MI call is.
-Status CallCleanup(Host::Impl& host, const ProviderEntry& provider, MiKind kind, bool terminating) {
-  void* mi = provider.slots[static_cast<std::size_t>(kind)].mi;
-  Scope scope;
-  const ContextObject* context =
-      CreateInScope<ContextObject>(nullptr, host.contextEntries(provider.nameSpace));
-  const CMPIBoolean flag = terminating ? 1 : 0;
-  CMPIStatus status = MakeStatus(CMPI_RC_OK);
-  try {
-    if (kind == MiKind::kInstance) {
-      auto* instanceMi = static_cast<CMPIInstanceMI*>(mi);
-      if (instanceMi->ft->cleanup != nullptr) {
-        status = instanceMi->ft->cleanup(instanceMi, context, flag);
-      }
-    } else if (kind == MiKind::kMethod) {
-      auto* methodMi = static_cast<CMPIMethodMI*>(mi);
-      if (methodMi->ft->cleanup != nullptr) {
-        status = methodMi->ft->cleanup(methodMi, context, flag);
-      }
-    } else {
-      auto* associationMi = static_cast<CMPIAssociationMI*>(mi);
-      if (associationMi->ft->cleanup != nullptr) {
-        status = associationMi->ft->cleanup(associationMi, context, flag);
-      }
-    }
-  } catch (const std::exception& error) {
-    status = MakeStatus(CMPI_RC_ERR_FAILED, std::string("the provider threw: ") + error.what());
-  } catch (...) {
-    status = MakeStatus(CMPI_RC_ERR_FAILED, "the provider threw");
-  }
-  // Copied before the scope closes: the message may be one of its objects.
-  return CopyStatus(status);
-}
-
-}  // namespace
-
-void CleanupAll(Host::Impl& host) {
-  auto created = host.providers.createdInOrder();
-  for (auto item = created.rbegin(); item != created.rend(); ++item) {
-    // A provider failing to clean up cannot stop the host from closing.
-    CallCleanup(host, *item->first, item->second, true);
-  }
-}
-
-std::vector<UnloadAnswer> UnloadIdle(Host::Impl& host) {
-  std::lock_guard<std::recursive_mutex> lock(host.providers.activationMutex());
-  // Each provider once, in the order its first MI was created.
-  std::vector<ProviderEntry*> providers;
-  const auto created = host.providers.createdInOrder();
-  for (const auto& [provider, kind] : created) {
-    if (std::find(providers.begin(), providers.end(), provider) == providers.end()) {
-      providers.push_back(provider);
-    }
-  }
-  std::vector<UnloadAnswer> answers;
-  for (ProviderEntry* provider : providers) {
-    const std::size_t first = answers.size();
-    bool unload = true;
-    for (const auto& [owner, kind] : created) {
-      if (owner != provider) {
-        continue;
-      }
-      UnloadAnswer answer;
-      answer.providerName = provider->name;
-      answer.kind = MiKindName(kind);
-      answer.status = CallCleanup(host, *provider, kind, false);
-      // Only every MI agreeing lets a CIMOM unload; a refusal or a failure
-      // keeps the provider as it is, MIs that did agree included.
-      unload = unload && answer.status.rc == CMPI_RC_OK;
-      answers.push_back(std::move(answer));
-    }
-    if (unload) {
-      // As a reloaded library would: the factories run again at the next
-      // request. The library stays open; what it handed out may still live.
-      for (ProviderEntry::Slot& slot : provider->slots) {
-        slot.mi = nullptr;
-        slot.refusal.clear();
-        slot.settled.store(false, std::memory_order_release);
-      }
-      host.providers.forgetCreated(provider);
-    }
-    for (std::size_t i = first; i < answers.size(); ++i) {
-      UnloadAnswer& answer = answers[i];
-      answer.unloaded = unload;
-      LogRecord record;
-      record.kind = LogRecord::Kind::kLog;
-      record.severity = CMPI_SEV_INFO;
-      record.id = "cmpihost";
-      record.text = "idle unload: provider " + answer.providerName + ", " + answer.kind +
-                    " MI cleanup answered " + CmpiStatusName(answer.status.rc) +
-                    (answer.status.hasMessage ? " (" + answer.status.message + ")" : "") +
-                    (unload ? "; unloaded" : "; stays loaded");
-      host.log.add(std::move(record));
-    }
-  }
-  return answers;
-}
-
-InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,
+InstanceData BuildStaticInstance(HostState& host, const std::string& nameSpace,
                                  const StaticInstance& instance) {
   InstanceData data;
   data.shape = host.shapeOf(nameSpace, instance.className);
@@ -481,7 +220,7 @@ InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,
   for (const PropertyShape& property : data.shape->properties) {
     data.values.push_back(property.initial);
   }
-  const ShapeLookup lookup = LookupOf(host);
+  const ShapeLookup lookup = host.lookup();
   for (const auto& [name, value] : instance.values) {
     const auto index = data.shape->find(name);
     if (!index) {
@@ -496,7 +235,7 @@ InstanceData BuildStaticInstance(Host::Impl& host, const std::string& nameSpace,
   return data;
 }
 
-Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
+Gathered DispatchEnumerate(HostState& host, const PathData& classPath,
                            const std::vector<std::string>* properties, bool namesOnly) {
   Gathered gathered;
   const std::string& nameSpace = classPath.nameSpace;
@@ -540,7 +279,7 @@ Gathered DispatchEnumerate(Host::Impl& host, const PathData& classPath,
   return gathered;
 }
 
-Gathered DispatchGetInstance(Host::Impl& host, const PathData& path,
+Gathered DispatchGetInstance(HostState& host, const PathData& path,
                              const std::vector<std::string>* properties) {
   const ClassDecl* decl = host.repository.findClass(path.nameSpace, path.className);
   if (decl != nullptr &&
@@ -571,7 +310,7 @@ Gathered DispatchGetInstance(Host::Impl& host, const PathData& path,
       });
 }
 
-Gathered DispatchCreateInstance(Host::Impl& host, const PathData& path,
+Gathered DispatchCreateInstance(HostState& host, const PathData& path,
                                 const InstanceData& instance) {
   return RouteToInstanceProvider(
       host, path,
@@ -584,8 +323,7 @@ Gathered DispatchCreateInstance(Host::Impl& host, const PathData& path,
       });
 }
 
-Gathered DispatchModifyInstance(Host::Impl& host, const PathData& path,
-                                const InstanceData& instance,
+Gathered DispatchModifyInstance(HostState& host, const PathData& path, const InstanceData& instance,
                                 const std::vector<std::string>* properties) {
   PropertyArray propertyArray(properties);
   return RouteToInstanceProvider(
@@ -600,7 +338,7 @@ Gathered DispatchModifyInstance(Host::Impl& host, const PathData& path,
       });
 }
 
-Gathered DispatchDeleteInstance(Host::Impl& host, const PathData& path) {
+Gathered DispatchDeleteInstance(HostState& host, const PathData& path) {
   return RouteToInstanceProvider(
       host, path,
       [&](const ProviderEntry& provider, CMPIInstanceMI* mi, const CMPIContext* context,
@@ -611,7 +349,7 @@ Gathered DispatchDeleteInstance(Host::Impl& host, const PathData& path) {
       });
 }
 
-Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const std::string& query,
+Gathered DispatchExecQuery(HostState& host, const PathData& classPath, const std::string& query,
                            const std::string& language) {
   Gathered gathered;
   for (const PathData& path : ClassPaths(host, classPath, gathered)) {
@@ -635,7 +373,7 @@ Gathered DispatchExecQuery(Host::Impl& host, const PathData& classPath, const st
   return gathered;
 }
 
-Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std::string& method,
+Gathered DispatchInvokeMethod(HostState& host, const PathData& path, const std::string& method,
                               const NamedValues& in) {
   NamedValues outArguments;
   Gathered gathered = RouteToNearestProvider<CMPIMethodMI>(
@@ -655,7 +393,7 @@ Gathered DispatchInvokeMethod(Host::Impl& host, const PathData& path, const std:
   return gathered;
 }
 
-Gathered DispatchAssociation(Host::Impl& host, AssociationOp op, const PathData& path,
+Gathered DispatchAssociation(HostState& host, AssociationOp op, const PathData& path,
                              const AssociationFilter& filter,
                              const std::vector<std::string>* properties) {
   Gathered gathered;

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "broker/Values.h"
-#include "cmpihost/Host.h"
+#include "cmpihost/HostError.h"
 
 namespace cmpihost {
 
@@ -54,9 +54,9 @@ ProviderEntry& ProviderTable::add(const ProviderRegistration& registration,
   }
   const std::array<bool, 3> kinds = {registration.instance, registration.method,
                                      registration.association};
-  auto& classes = bindings_[LowerCase(registration.nameSpace)];
+  auto& classes = bindings_[AsciiLowered(registration.nameSpace)];
   for (const std::string& className : registration.classNames) {
-    auto& bindings = classes[LowerCase(className)];
+    auto& bindings = classes[AsciiLowered(className)];
     auto same = std::find_if(bindings.begin(), bindings.end(),
                              [&](const Binding& binding) { return binding.provider == entry; });
     if (same == bindings.end()) {
@@ -88,11 +88,11 @@ std::vector<ProviderEntry*> ProviderTable::forClass(const std::string& nameSpace
                                                     MiKind kind) const {
   std::lock_guard<std::mutex> lock(mutex_);
   std::vector<ProviderEntry*> providers;
-  const auto classes = bindings_.find(LowerCase(nameSpace));
+  const auto classes = bindings_.find(AsciiLowered(nameSpace));
   if (classes == bindings_.end()) {
     return providers;
   }
-  const auto bindings = classes->second.find(LowerCase(className));
+  const auto bindings = classes->second.find(AsciiLowered(className));
   if (bindings == classes->second.end()) {
     return providers;
   }
@@ -108,7 +108,7 @@ std::vector<ProviderEntry*> ProviderTable::inNamespace(const std::string& nameSp
                                                        MiKind kind) const {
   std::lock_guard<std::mutex> lock(mutex_);
   std::vector<ProviderEntry*> providers;
-  const auto classes = bindings_.find(LowerCase(nameSpace));
+  const auto classes = bindings_.find(AsciiLowered(nameSpace));
   if (classes == bindings_.end()) {
     return providers;
   }

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Which provider serves which class, and the MIs created for them. A
 // provider's MI of each kind is created at most once, lazily, under one
 // activation lock; afterwards it is read without locking.

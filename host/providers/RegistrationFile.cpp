@@ -10,18 +10,15 @@
 #include <sstream>
 
 #include "broker/Values.h"
-#include "cmpihost/Host.h"
+#include "cmpihost/HostError.h"
+#include "text/Literals.h"
 
 namespace cmpihost {
 namespace {
 
+// Lines may end in CR LF.
 std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t\r");
-  if (first == std::string::npos) {
-    return "";
-  }
-  const std::size_t last = text.find_last_not_of(" \t\r");
-  return text.substr(first, last - first + 1);
+  return cmpihost::Trimmed(text, " \t\r");
 }
 
 std::vector<std::string> Words(const std::string& text) {
@@ -99,7 +96,7 @@ class StanzaReader {
     if (colon == std::string::npos) {
       fail(lineNumber_, "expected 'key: value' or '[ClassName]', found '" + text + "'");
     }
-    const std::string key = LowerCase(Trimmed(text.substr(0, colon)));
+    const std::string key = AsciiLowered(Trimmed(text.substr(0, colon)));
     const std::string value = Trimmed(text.substr(colon + 1));
     if (!open_) {
       fail(lineNumber_, "'" + key + ":' comes before any [ClassName] stanza");
@@ -127,7 +124,7 @@ class StanzaReader {
     } else if (key == "type") {
       open_->types = Words(value);
       for (const std::string& type : *open_->types) {
-        const std::string lower = LowerCase(type);
+        const std::string lower = AsciiLowered(type);
         if (lower != "instance" && lower != "association" && lower != "method" &&
             lower != "indication" && lower != "property") {
           fail(lineNumber_, "unknown provider type '" + type +
@@ -180,7 +177,7 @@ class StanzaReader {
       registration.nameSpace = nameSpace;
       registration.unloadNever = open.unloadNever;
       for (const std::string& type : *open.types) {
-        const std::string lower = LowerCase(type);
+        const std::string lower = AsciiLowered(type);
         registration.instance = registration.instance || lower == "instance";
         registration.method = registration.method || lower == "method";
         registration.association = registration.association || lower == "association";

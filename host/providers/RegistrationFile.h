@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The provider registration file of the small-footprint CIMOM, so that one
 // file deploys a provider there and here:
 //

@@ -1,6 +1,6 @@
 #include "repository/CimType.h"
 
-#include "repository/NoCase.h"
+#include "text/NoCase.h"
 
 #include <array>
 #include <utility>

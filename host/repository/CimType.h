@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The CIM data types a class declaration can give a property, a method or a
 // parameter, independent of CMPI's codes (the broker maps them).
 #ifndef CMPIHOST_REPOSITORY_CIMTYPE_H_

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "repository/NoCase.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 namespace {

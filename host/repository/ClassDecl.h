@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // A CIM class as the repository holds it after loading: its own declaration
 // plus everything it inherits, resolved once so that lookups are cheap.
 #ifndef CMPIHOST_REPOSITORY_CLASSDECL_H_

@@ -1,15 +1,17 @@
 #include "repository/ClassRepository.h"
 
 #include <deque>
+#include <map>
 #include <stdexcept>
-#include <unordered_map>
 #include <utility>
+
+#include "text/NoCase.h"
 
 namespace cmpihost {
 
 struct ClassRepository::Namespace {
   template <typename Value>
-  using ByName = std::unordered_map<std::string, Value, NoCaseHash, NoCaseEqualTo>;
+  using ByName = std::map<std::string, Value, NoCaseLess>;
 
   std::string name;  // the spelling first used
   ByName<QualifierDecl> qualifiers;
@@ -25,12 +27,12 @@ ClassRepository::ClassRepository() = default;
 ClassRepository::~ClassRepository() = default;
 
 ClassRepository::Namespace* ClassRepository::findNamespace(const std::string& nameSpace) const {
-  const auto found = namespaces_.find(nameSpace);
+  const auto found = namespaces_.find(AsciiLowered(nameSpace));
   return found == namespaces_.end() ? nullptr : found->second.get();
 }
 
 ClassRepository::Namespace& ClassRepository::namespaceFor(const std::string& nameSpace) {
-  auto& slot = namespaces_[nameSpace];
+  auto& slot = namespaces_[AsciiLowered(nameSpace)];
   if (!slot) {
     slot = std::make_unique<Namespace>();
     slot->name = nameSpace;

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // The classes, qualifier declarations and static instances of every
 // namespace, as loaded from MOF. Loading is transactional per file; once
 // loaded, the repository is only read, from any number of threads (it keeps
@@ -12,7 +13,6 @@
 #include <vector>
 
 #include "repository/ClassDecl.h"
-#include "repository/NoCase.h"
 #include "repository/QualifierDecl.h"
 #include "repository/StaticInstance.h"
 
@@ -58,7 +58,7 @@ class ClassRepository {
   struct Namespace;
   Namespace* findNamespace(const std::string& nameSpace) const;
   Namespace& namespaceFor(const std::string& nameSpace);
-  std::map<std::string, std::unique_ptr<Namespace>, NoCaseLess> namespaces_;
+  std::map<std::string, std::unique_ptr<Namespace>> namespaces_;  // by lower-cased name
 };
 
 }  // namespace cmpihost

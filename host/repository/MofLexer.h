@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Splits MOF text into tokens in one pass over the bytes, skipping white
 // space and comments, and decoding literals in place.
 #ifndef CMPIHOST_REPOSITORY_MOFLEXER_H_

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "repository/MofReader.h"
-#include "repository/NoCase.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 namespace {

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Turns MOF text into productions (pragmas, qualifier declarations, classes,
 // instances), one at a time. It checks syntax and data-type keywords only;
 // names and values are checked when a production is staged.

@@ -10,7 +10,7 @@
 
 #include "repository/MofParser.h"
 #include "repository/MofStaging.h"
-#include "repository/NoCase.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 namespace {

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Reads MOF text into a ClassRepository: qualifier declarations, classes,
 // instances, "#pragma include" and "#pragma namespace". A load (one call,
 // with everything it includes) either goes in whole or not at all.

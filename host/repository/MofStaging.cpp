@@ -1,46 +1,27 @@
 #include "repository/MofStaging.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <stdexcept>
 #include <unordered_set>
 #include <utility>
 
 #include "repository/MofReader.h"
 #include "repository/MofValueRules.h"
+#include "text/Literals.h"
+#include "text/PathSyntax.h"
 
 namespace cmpihost {
 namespace {
 
 template <typename Value>
-using ByName = std::unordered_map<std::string, Value, NoCaseHash, NoCaseEqualTo>;
-using NameSet = std::unordered_set<std::string, NoCaseHash, NoCaseEqualTo>;
-
-std::string Quoted(const std::string& name) {
-  return "\"" + name + "\"";
-}
-
-const Qualifier* FindQualifier(const std::vector<Qualifier>& qualifiers, const char* name) {
-  for (const Qualifier& qualifier : qualifiers) {
-    if (NoCaseEqual(qualifier.name, name)) {
-      return &qualifier;
-    }
-  }
-  return nullptr;
-}
-
-const RawQualifier* FindRawQualifier(const std::vector<RawQualifier>& qualifiers,
-                                     const char* name) {
-  for (const RawQualifier& qualifier : qualifiers) {
-    if (NoCaseEqual(qualifier.name, name)) {
-      return &qualifier;
-    }
-  }
-  return nullptr;
-}
+using ByName = std::map<std::string, Value, NoCaseLess>;
+using NameSet = std::set<std::string, NoCaseLess>;
 
 // The boolean value of a qualifier, or `absent` when it is not there.
 bool BooleanQualifier(const std::vector<Qualifier>& qualifiers, const char* name, bool absent) {
-  const Qualifier* qualifier = FindQualifier(qualifiers, name);
+  const Qualifier* qualifier = FindNamed(qualifiers, name);
   if (qualifier == nullptr) {
     return absent;
   }
@@ -117,11 +98,6 @@ struct MofStaging::StagedNamespace {
   // (for each class in seededClasses) already committed.
   std::unordered_set<std::string> instancePaths;
   NameSet seededClasses;
-};
-
-struct MofStaging::Resolved {
-  std::vector<Qualifier> qualifiers;
-  std::vector<const QualifierDecl*> decls;  // parallel to qualifiers
 };
 
 MofStaging::MofStaging(const ClassRepository& repository, std::string nameSpace)
@@ -202,138 +178,6 @@ std::vector<Qualifier> MofStaging::merged(std::vector<Qualifier> own,
     }
   }
   return own;
-}
-
-void MofStaging::conform(const std::string& file, RawValue& raw, const TypeDecl& type,
-                         bool scalarFillsArray, const std::string& what) const {
-  if (auto problem = ConformValue(raw.value, type, scalarFillsArray)) {
-    SourcePos pos = raw.pos;
-    if (problem->element >= 0 &&
-        static_cast<std::size_t>(problem->element) < raw.elementPos.size()) {
-      pos = raw.elementPos[static_cast<std::size_t>(problem->element)];
-    }
-    fail(file, pos, what + ": " + problem->text);
-  }
-}
-
-MofStaging::Resolved MofStaging::resolveQualifiers(const std::string& file,
-                                                   std::vector<RawQualifier>& raw) const {
-  Resolved resolved;
-  resolved.qualifiers.reserve(raw.size());
-  resolved.decls.reserve(raw.size());
-  for (RawQualifier& given : raw) {
-    const QualifierDecl* decl = findQualifierDecl(given.name);
-    if (decl == nullptr) {
-      fail(file, given.pos,
-           "qualifier " + Quoted(given.name) + " is not declared in namespace " +
-               Quoted(nameSpace_) + " (a \"Qualifier\" declaration must come first)");
-    }
-    if (FindQualifier(resolved.qualifiers, decl->name.c_str()) != nullptr) {
-      fail(file, given.pos, "qualifier " + Quoted(decl->name) + " is given twice");
-    }
-    Qualifier qualifier;
-    qualifier.name = decl->name;
-    if (!given.hasValue) {
-      if (decl->type.type == CimType::kBoolean && !decl->type.isArray) {
-        qualifier.value.kind = MofValue::Kind::kBoolean;
-        qualifier.value.boolean = true;
-      } else {
-        qualifier.value = decl->defaultValue;
-      }
-    } else {
-      conform(file, given.value, decl->type, true, "qualifier " + Quoted(decl->name));
-      qualifier.value = std::move(given.value.value);
-    }
-    resolved.qualifiers.push_back(std::move(qualifier));
-    resolved.decls.push_back(decl);
-  }
-  return resolved;
-}
-
-void MofStaging::checkScopes(const std::string& file, const std::vector<RawQualifier>& raw,
-                             const Resolved& resolved, Target target) const {
-  const char* scope = nullptr;
-  switch (target) {
-    case Target::kClass:
-      scope = "class";
-      break;
-    case Target::kAssociation:
-      scope = "association";
-      break;
-    case Target::kIndication:
-      scope = "indication";
-      break;
-    case Target::kProperty:
-      scope = "property";
-      break;
-    case Target::kReference:
-      scope = "reference";
-      break;
-    case Target::kMethod:
-      scope = "method";
-      break;
-    case Target::kParameter:
-      scope = "parameter";
-      break;
-    case Target::kInstance:
-      return;
-  }
-  for (std::size_t i = 0; i < resolved.decls.size(); ++i) {
-    const std::vector<std::string>& scopes = resolved.decls[i]->scopes;
-    if (std::find(scopes.begin(), scopes.end(), "any") != scopes.end() ||
-        std::find(scopes.begin(), scopes.end(), scope) != scopes.end()) {
-      continue;
-    }
-    std::string allowed;
-    for (const std::string& one : scopes) {
-      allowed += (allowed.empty() ? "" : ", ") + one;
-    }
-    fail(file, raw[i].pos,
-         "qualifier " + Quoted(resolved.decls[i]->name) + " does not apply to a " + scope +
-             " (its scope: " + allowed + ")");
-  }
-}
-
-void MofStaging::checkReferencedClass(const std::string& file, SourcePos pos, TypeDecl& type,
-                                      const std::string& what) const {
-  if (type.type != CimType::kReference) {
-    return;
-  }
-  const ClassDecl* target = findClass(type.refClass);
-  if (target == nullptr) {
-    fail(file, pos,
-         what + " refers to class " + Quoted(type.refClass) +
-             ", which is not defined in namespace " + Quoted(nameSpace_));
-  }
-  type.refClass = target->name();
-}
-
-void MofStaging::checkOverride(const std::string& file,
-                               const std::vector<RawQualifier>& rawQualifiers,
-                               const std::vector<Qualifier>& qualifiers, const std::string& name,
-                               bool inherited, const std::string& className,
-                               const char* what) const {
-  const Qualifier* override = FindQualifier(qualifiers, "Override");
-  if (override == nullptr || override->value.kind != MofValue::Kind::kString) {
-    return;
-  }
-  const RawQualifier* raw = FindRawQualifier(rawQualifiers, "Override");
-  const SourcePos pos = raw != nullptr ? raw->pos : SourcePos{};
-  std::string target = override->value.text;
-  const std::size_t dot = target.rfind('.');
-  if (dot != std::string::npos) {
-    target.erase(0, dot + 1);
-  }
-  if (!NoCaseEqual(target, name)) {
-    fail(file, pos,
-         "Override(" + Quoted(override->value.text) + ") on " + what + " " + Quoted(name) +
-             " must name that " + what);
-  }
-  if (!inherited) {
-    fail(file, pos,
-         "Override(" + Quoted(override->value.text) + "): class " + Quoted(className) +
-             " inherits no " + what + " " + Quoted(target));
-  }
 }
 
 void MofStaging::addQualifierDecl(const std::string& file, RawQualifierDecl raw) {
@@ -575,30 +419,27 @@ std::string MofStaging::pathText(const ClassDecl& decl, const StaticInstance& in
   if (canonical) {
     // Compared as a set: one text whatever order the keys come in.
     std::sort(keys.begin(), keys.end(), [](const PropertyDecl* a, const PropertyDecl* b) {
-      return NoCaseCompare(a->name, b->name) < 0;
+      return NoCaseLess()(a->name, b->name);
     });
   }
-  std::string text = canonical ? AsciiLowered(decl.name()) : decl.name();
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    const MofValue* value = &keys[i]->defaultValue;
+  std::vector<std::pair<std::string, std::string>> keyTexts;
+  for (const PropertyDecl* key : keys) {
+    const MofValue* value = &key->defaultValue;
     for (const auto& [name, given] : instance.values) {
-      if (NoCaseEqual(name, keys[i]->name)) {
+      if (NoCaseEqual(name, key->name)) {
         value = &given;
         break;
       }
     }
-    text += i == 0 ? '.' : ',';
-    text += canonical ? AsciiLowered(keys[i]->name) : keys[i]->name;
-    text += '=';
     if (canonical && value->kind == MofValue::Kind::kReference) {
       MofValue reference = *value;
       reference.text = CanonicalReference(reference.text);
-      text += PathValueText(reference);
+      keyTexts.emplace_back(AsciiLowered(key->name), PathValueText(reference));
     } else {
-      text += PathValueText(*value);
+      keyTexts.emplace_back(canonical ? AsciiLowered(key->name) : key->name, PathValueText(*value));
     }
   }
-  return text;
+  return PathText("", "", canonical ? AsciiLowered(decl.name()) : decl.name(), keyTexts);
 }
 
 void MofStaging::seedInstancePaths(StagedNamespace& space, const ClassDecl& decl) {

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Everything one load (a file and its includes) declares, checked against
 // the repository and against itself, held back until the whole load has
 // succeeded; then committed in one step, so a failed load changes nothing.
@@ -7,12 +8,11 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "repository/ClassRepository.h"
 #include "repository/MofSyntax.h"
-#include "repository/NoCase.h"
+#include "text/NoCase.h"
 
 namespace cmpihost {
 
@@ -50,7 +50,10 @@ class MofStaging {
     kParameter,
     kInstance
   };
-  struct Resolved;
+  struct Resolved {
+    std::vector<Qualifier> qualifiers;
+    std::vector<const QualifierDecl*> decls;  // parallel to qualifiers
+  };
 
   StagedNamespace& staged();
   const ClassDecl* findClass(const std::string& name) const;
@@ -96,8 +99,8 @@ class MofStaging {
   const ClassRepository& repository_;
   std::string nameSpace_;
   std::map<std::string, std::unique_ptr<StagedNamespace>, NoCaseLess> spaces_;
-  std::vector<StagedNamespace*> spaceOrder_;  // first use order
-  std::unordered_map<std::string, std::string, NoCaseHash, NoCaseEqualTo> aliases_;  // -> path
+  std::vector<StagedNamespace*> spaceOrder_;                // first use order
+  std::map<std::string, std::string, NoCaseLess> aliases_;  // -> path
 };
 
 }  // namespace cmpihost

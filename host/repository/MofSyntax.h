@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // What the parser hands on: each MOF production as written, with the
 // positions that errors found later (undefined names, bad values) point at.
 #ifndef CMPIHOST_REPOSITORY_MOFSYNTAX_H_

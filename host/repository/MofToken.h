@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // One token of MOF text, as the lexer hands it to the parser.
 #ifndef CMPIHOST_REPOSITORY_MOFTOKEN_H_
 #define CMPIHOST_REPOSITORY_MOFTOKEN_H_

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // A constant written in MOF: a qualifier value, a property default or a value
 // of a static instance. The reader has checked it against the declared type
 // (integer ranges, date-time shape, array or not) and brought it to that

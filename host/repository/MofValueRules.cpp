@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "text/Literals.h"
+
 namespace cmpihost {
 namespace {
 
@@ -233,16 +235,8 @@ std::string PathValueText(const MofValue& value) {
     case Kind::kString:
     case Kind::kChar16:
     case Kind::kReference:
-    case Kind::kAlias: {
-      std::string quoted = "\"";
-      for (const char c : value.text) {
-        if (c == '\\' || c == '"') {
-          quoted += '\\';
-        }
-        quoted += c;
-      }
-      return quoted + "\"";
-    }
+    case Kind::kAlias:
+      return Quoted(value.text);
     case Kind::kArray: {
       std::string joined = "{";
       for (std::size_t i = 0; i < value.elements.size(); ++i) {

@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // How a written MOF value meets the type it is written for, and how a key
 // value is spelled inside an object path text.
 #ifndef CMPIHOST_REPOSITORY_MOFVALUERULES_H_

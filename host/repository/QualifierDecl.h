@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // A "Qualifier Name : type = default, Scope(...), Flavor(...);" declaration.
 #ifndef CMPIHOST_REPOSITORY_QUALIFIERDECL_H_
 #define CMPIHOST_REPOSITORY_QUALIFIERDECL_H_

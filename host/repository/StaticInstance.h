@@ -1,3 +1,4 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // An "instance of Class { ... };" declaration from MOF, served by the host as
 // if a provider had returned it.
 #ifndef CMPIHOST_REPOSITORY_STATICINSTANCE_H_

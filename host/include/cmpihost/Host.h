@@ -8,12 +8,11 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "cmpihost/Export.h"
+#include "cmpihost/HostTypes.h"
 #include "cmpihost/LogRecord.h"
 #include "cmpihost/ProviderRegistration.h"
 #include "cmpihost/Reply.h"
@@ -21,38 +20,6 @@
 namespace cmpihost {
 
 class ClassRepository;
-
-// Bad input to the host itself (a registration file, a path text, a missing
-// library or factory): says what is wrong and where.
-class CMPIHOST_EXPORT HostError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// One input argument of a method call. The value text is typed by the
-// method's declared parameter type unless `type` says otherwise; reference
-// arguments are object path texts.
-struct Argument {
-  std::string name;
-  std::string text;
-  std::optional<CMPIType> type;
-};
-
-// The optional filters of associator and reference requests (null when unset).
-struct AssociationFilter {
-  std::optional<std::string> assocClass;
-  std::optional<std::string> resultClass;
-  std::optional<std::string> role;
-  std::optional<std::string> resultRole;
-};
-
-// One MI's answer to an idle-unload sweep (Host::unloadIdleProviders).
-struct UnloadAnswer {
-  std::string providerName;
-  std::string kind;       // "Instance", "Method" or "Association"
-  Status status;          // what its cleanup returned
-  bool unloaded = false;  // every MI of the provider answered OK, so its MIs were dropped
-};
 
 class CMPIHOST_EXPORT Host {
  public:
@@ -143,11 +110,11 @@ class CMPIHOST_EXPORT Host {
   // What newDateTime calls "now"; the system clock unless set.
   void setClock(std::function<std::chrono::system_clock::time_point()> clock);
 
-  // The implementation, shared with the broker's objects and CallScope.
   struct Impl;
-  Impl& impl() { return *impl_; }
 
  private:
+  // A call scope works inside the host: its broker and default namespace.
+  friend class CallScope;
   std::unique_ptr<Impl> impl_;
 };
 

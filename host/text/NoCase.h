@@ -1,12 +1,13 @@
+// The front door is cmpihost/Host.h; this header is internal.
 // Case-insensitive comparison of ASCII names: CIM compares class, property,
 // qualifier and namespace names without regard to case but keeps the
 // declared spelling, so containers key on the spelling and compare like this.
-#ifndef CMPIHOST_REPOSITORY_NOCASE_H_
-#define CMPIHOST_REPOSITORY_NOCASE_H_
+#ifndef CMPIHOST_TEXT_NOCASE_H_
+#define CMPIHOST_TEXT_NOCASE_H_
 
-#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cmpihost {
 
@@ -18,23 +19,25 @@ inline char AsciiLower(char c) {
 // True when both names are equal ignoring ASCII case.
 bool NoCaseEqual(std::string_view a, std::string_view b);
 
-// Negative, zero or positive as `a` sorts before, with or after `b` ignoring ASCII case.
-int NoCaseCompare(std::string_view a, std::string_view b);
-
 // The name with ASCII letters lower-cased.
 std::string AsciiLowered(std::string_view name);
 
-// Function objects for ordered and hashed containers keyed by name.
+// The first element of `items` whose `name` equals `name` ignoring case, or null.
+template <typename Named>
+const Named* FindNamed(const std::vector<Named>& items, std::string_view name) {
+  for (const Named& item : items) {
+    if (NoCaseEqual(item.name, name)) {
+      return &item;
+    }
+  }
+  return nullptr;
+}
+
+// For ordered containers keyed by name.
 struct NoCaseLess {
-  bool operator()(std::string_view a, std::string_view b) const { return NoCaseCompare(a, b) < 0; }
-};
-struct NoCaseEqualTo {
-  bool operator()(std::string_view a, std::string_view b) const { return NoCaseEqual(a, b); }
-};
-struct NoCaseHash {
-  std::size_t operator()(std::string_view name) const;
+  bool operator()(std::string_view a, std::string_view b) const;
 };
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_NOCASE_H_
+#endif  // CMPIHOST_TEXT_NOCASE_H_
