@@ -26,34 +26,16 @@ std::string ReplaceAll(std::string text, const std::string& from, const std::str
 
 }  // namespace
 
-std::string CmpihostBinary() {
-  return CMPIHOST_BINARY;
-}
-
-std::string SchemaMof() {
-  return std::string(DIAGCORE_SOURCE_DIR) + "/schema/diagcore.mof";
-}
-
-std::string ExampleDir() {
-  return std::string(DIAGCORE_SOURCE_DIR) + "/examples/filesystem-diag";
-}
-
-std::string ExampleMof() {
-  return ExampleDir() + "/mof/filesystemdiag.mof";
-}
-
-std::string ExampleRegistration() {
-  return ExampleDir() + "/deploy/filesystemdiag.reg";
-}
-
-std::string ExampleLibDir() {
-  return FSD_LIB_DIR;
-}
-
 ProgramResult RunOnExample(const std::vector<std::string>& args) {
-  std::vector<std::string> argv = {CmpihostBinary(), "--mof",       SchemaMof(),
-                                   "--mof",          ExampleMof(),  "--lib-dir",
-                                   ExampleLibDir(),  "--providers", ExampleRegistration()};
+  std::vector<std::string> argv = {kCmpihost,
+                                   "--mof",
+                                   kSchemaMof,
+                                   "--mof",
+                                   kExampleDir + "/mof/filesystemdiag.mof",
+                                   "--lib-dir",
+                                   kExampleLibDir,
+                                   "--providers",
+                                   kExampleDir + "/deploy/filesystemdiag.reg"};
   argv.insert(argv.end(), args.begin(), args.end());
   return RunProgram(argv);
 }

@@ -17,12 +17,10 @@ using diagcore_test::RunProgram;
 using diagcore_test::ScratchDir;
 
 // Files of the source tree and the build.
-std::string CmpihostBinary();
-std::string SchemaMof();
-std::string ExampleDir();           // examples/filesystem-diag in the sources
-std::string ExampleMof();           // its mof/filesystemdiag.mof
-std::string ExampleRegistration();  // its deploy/filesystemdiag.reg
-std::string ExampleLibDir();        // where libfilesystemdiag.so was built
+inline const std::string kCmpihost = CMPIHOST_BINARY;
+inline const std::string kSchemaMof = DIAGCORE_SOURCE_DIR "/schema/diagcore.mof";
+inline const std::string kExampleDir = DIAGCORE_SOURCE_DIR "/examples/filesystem-diag";
+inline const std::string kExampleLibDir = FSD_LIB_DIR;  // where libfilesystemdiag.so was built
 
 // cmpihost with the schema, the example's MOF and its registration file
 // (libraries from the build), followed by `args`.

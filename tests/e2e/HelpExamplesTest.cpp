@@ -53,11 +53,11 @@ void LayOutPrefix(const fs::path& prefix) {
   fs::create_directories(example);
   fs::create_directories(prefix / "lib");
   fs::create_directories(prefix / "bin");
-  fs::create_directory_symlink(fs::path(SchemaMof()).parent_path(), share / "schema");
-  fs::create_directory_symlink(ExampleDir() + "/mof", example / "mof");
-  fs::create_directory_symlink(ExampleDir() + "/deploy", example / "deploy");
-  fs::create_directory_symlink(ExampleLibDir(), prefix / "lib/diagcore");
-  fs::create_symlink(CmpihostBinary(), prefix / "bin/cmpihost");
+  fs::create_directory_symlink(fs::path(kSchemaMof).parent_path(), share / "schema");
+  fs::create_directory_symlink(kExampleDir + "/mof", example / "mof");
+  fs::create_directory_symlink(kExampleDir + "/deploy", example / "deploy");
+  fs::create_directory_symlink(kExampleLibDir, prefix / "lib/diagcore");
+  fs::create_symlink(kCmpihost, prefix / "bin/cmpihost");
 }
 
 ProgramResult RunExample(const ScratchDir& scratch, const std::string& definitions,
@@ -71,7 +71,7 @@ ProgramResult RunExample(const ScratchDir& scratch, const std::string& definitio
 TEST(HelpExamplesTest, EveryExampleRunsAgainstTheShippedSchemaAndExample) {
   const ScratchDir scratch;
   LayOutPrefix(scratch.path() + "/prefix");
-  const std::string help = RunProgram({CmpihostBinary(), "--help"}).out;
+  const std::string help = RunProgram({kCmpihost, "--help"}).out;
   const std::string definitions = Block(help,
                                         "the prefix P, and name two of the example's "
                                         "objects. In a shell:",
@@ -83,7 +83,7 @@ TEST(HelpExamplesTest, EveryExampleRunsAgainstTheShippedSchemaAndExample) {
   ASSERT_GE(verbs.size(), 14U) << help;
   for (const std::string& verb : verbs) {
     if (verb != "help") {
-      const std::string verbHelp = RunProgram({CmpihostBinary(), verb, "--help"}).out;
+      const std::string verbHelp = RunProgram({kCmpihost, verb, "--help"}).out;
       examples.push_back(Block(verbHelp, "  Example:", "", 4));
       EXPECT_NE(examples.back(), "") << "no example in the help of " << verb;
     }

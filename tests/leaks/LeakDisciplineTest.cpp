@@ -3,15 +3,12 @@
 // one other object per case, and the leak checker must report exactly that
 // one while the registry's objects stay suppressed. Meaningful only in a
 // build with AddressSanitizer; skipped elsewhere.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <string>
+
+#include "support/ProgramRun.h"
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -24,47 +21,18 @@
 
 namespace {
 
-struct ProbeRun {
-  int exitCode = -1;
-  std::string report;  // standard error
-};
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
+using diagcore_test::ProgramResult;
 
 // Runs leak_probe with one case, with leak checking on and this tree's
-// suppression file, and gives its exit code and standard error.
-ProbeRun RunProbe(const std::string& probeCase) {
-  char errPath[] = "/tmp/leakprobeXXXXXX";
-  const int errFd = mkstemp(errPath);
-  ProbeRun run;
-  if (errFd < 0) {
-    return run;
-  }
-  const pid_t child = fork();
-  if (child == 0) {
-    dup2(errFd, STDERR_FILENO);
-    const std::string lsan = std::string("suppressions=") + DIAGCORE_SOURCE_DIR +
-                             "/tests/lsan.supp:print_suppressions=1";
-    setenv("LSAN_OPTIONS", lsan.c_str(), 1);
-    const char* asan = std::getenv("ASAN_OPTIONS");
-    const std::string asanOptions = std::string(asan == nullptr ? "" : asan) + ":detect_leaks=1";
-    setenv("ASAN_OPTIONS", asanOptions.c_str(), 1);
-    execl(LEAK_PROBE_BINARY, LEAK_PROBE_BINARY, probeCase.c_str(), static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  int status = 0;
-  if (child > 0 && waitpid(child, &status, 0) == child) {
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  }
-  close(errFd);
-  run.report = ReadFile(errPath);
-  unlink(errPath);
-  return run;
+// suppression file; its standard error is the leak report.
+ProgramResult RunProbe(const std::string& probeCase) {
+  const char* asan = std::getenv("ASAN_OPTIONS");
+  return diagcore_test::RunProgram(
+      {"/usr/bin/env",
+       std::string("LSAN_OPTIONS=suppressions=") + DIAGCORE_SOURCE_DIR +
+           "/tests/lsan.supp:print_suppressions=1",
+       "ASAN_OPTIONS=" + std::string(asan == nullptr ? "" : asan) + ":detect_leaks=1",
+       LEAK_PROBE_BINARY, probeCase});
 }
 
 // The leak report without the list of suppressions that follows it.
@@ -82,15 +50,14 @@ class LeakDisciplineTest : public ::testing::Test {
 };
 
 TEST_F(LeakDisciplineTest, WhatTheRegistryKeepsIsSuppressedThroughItsTwoAllocationSites) {
-  const ProbeRun run = RunProbe("kept-only");
-  EXPECT_EQ(run.exitCode, 0) << run.report;
-  EXPECT_EQ(run.report.find("LeakSanitizer: detected memory leaks"), std::string::npos)
-      << run.report;
+  const ProgramResult run = RunProbe("kept-only");
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.err.find("LeakSanitizer: detected memory leaks"), std::string::npos) << run.err;
   // The entry that a second registration under the same path text replaced
   // is reachable from nothing and needs its line. The containers need theirs
   // only where nothing reaches them at exit; the registry's lookup index
   // reaches them today, so that line may go unused.
-  EXPECT_NE(run.report.find("NewRegistryEntry"), std::string::npos) << run.report;
+  EXPECT_NE(run.err.find("NewRegistryEntry"), std::string::npos) << run.err;
 }
 
 TEST_F(LeakDisciplineTest, AnyOtherLeakFailsTheRunAndIsReportedAlone) {
@@ -110,16 +77,16 @@ TEST_F(LeakDisciplineTest, AnyOtherLeakFailsTheRunAndIsReportedAlone) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.probeCase);
-    const ProbeRun run = RunProbe(c.probeCase);
+    const ProgramResult run = RunProbe(c.probeCase);
     EXPECT_NE(run.exitCode, 0);
-    const std::string leaks = LeaksOnly(run.report);
+    const std::string leaks = LeaksOnly(run.err);
     EXPECT_NE(leaks.find("ERROR: LeakSanitizer: detected memory leaks"), std::string::npos)
-        << run.report;
-    EXPECT_NE(leaks.find(c.leakingFunction), std::string::npos) << run.report;
-    EXPECT_NE(leaks.find(c.onStack), std::string::npos) << run.report;
+        << run.err;
+    EXPECT_NE(leaks.find(c.leakingFunction), std::string::npos) << run.err;
+    EXPECT_NE(leaks.find(c.onStack), std::string::npos) << run.err;
     // The registry's own objects are still not among the leaks.
-    EXPECT_EQ(leaks.find("NewRegistry"), std::string::npos) << run.report;
-    EXPECT_NE(run.report.find("NewRegistryEntry"), std::string::npos) << run.report;
+    EXPECT_EQ(leaks.find("NewRegistry"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("NewRegistryEntry"), std::string::npos) << run.err;
   }
 }
 

@@ -10,6 +10,9 @@
 #include <stdio.h>
 #include <string.h>
 
+/* MI functions take the table's parameters, most of which they do not use. */
+#pragma GCC diagnostic ignored "-Wunused-parameter"
+
 static const CMPIBroker* broker;
 
 static void Log(const char* text) {
@@ -51,13 +54,11 @@ static const char* KeyOf(const CMPIObjectPath* path, const char* key) {
 /* ---- instance MI ---- */
 
 static CMPIStatus CliTestCleanup(CMPIInstanceMI* mi, const CMPIContext* ctx, CMPIBoolean end) {
-  (void)mi, (void)ctx, (void)end;
   CMReturn(CMPI_RC_OK);
 }
 
 static CMPIStatus CliTestEnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* ctx,
                                            const CMPIResult* rslt, const CMPIObjectPath* ref) {
-  (void)mi, (void)ctx;
   Log("+++ EnumInstanceNames");
   CMReturnObjectPath(rslt, WidgetPath(ref, "w1"));
   CMReturnObjectPath(rslt, WidgetPath(ref, "w2"));
@@ -68,7 +69,6 @@ static CMPIStatus CliTestEnumInstanceNames(CMPIInstanceMI* mi, const CMPIContext
 static CMPIStatus CliTestEnumInstances(CMPIInstanceMI* mi, const CMPIContext* ctx,
                                        const CMPIResult* rslt, const CMPIObjectPath* ref,
                                        const char** properties) {
-  (void)mi, (void)ctx, (void)properties;
   Log("+++ EnumInstances");
   CMReturnInstance(rslt, Widget(ref, "w1"));
   CMReturnInstance(rslt, Widget(ref, "w2"));
@@ -79,7 +79,6 @@ static CMPIStatus CliTestEnumInstances(CMPIInstanceMI* mi, const CMPIContext* ct
 static CMPIStatus CliTestGetInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
                                      const CMPIResult* rslt, const CMPIObjectPath* ref,
                                      const char** properties) {
-  (void)mi, (void)ctx, (void)properties;
   Log("+++ GetInstance");
   const char* name = KeyOf(ref, "Name");
   if (strcmp(name, "w1") != 0 && strcmp(name, "w2") != 0) {
@@ -90,37 +89,25 @@ static CMPIStatus CliTestGetInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
   CMReturn(CMPI_RC_OK);
 }
 
-static CMPIStatus CliTestCreateInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                        const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                        const CMPIInstance* inst) {
-  (void)mi, (void)ctx, (void)rslt, (void)ref, (void)inst;
-  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
-}
+/* Only what the tests call is served; the table needs the rest. */
+#define CLI_TEST_UNSUPPORTED(operation, ...)          \
+  static CMPIStatus CliTest##operation(__VA_ARGS__) { \
+    CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);              \
+  }
 
-static CMPIStatus CliTestModifyInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                        const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                        const CMPIInstance* inst, const char** properties) {
-  (void)mi, (void)ctx, (void)rslt, (void)ref, (void)inst, (void)properties;
-  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
-}
-
-static CMPIStatus CliTestDeleteInstance(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                        const CMPIResult* rslt, const CMPIObjectPath* ref) {
-  (void)mi, (void)ctx, (void)rslt, (void)ref;
-  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
-}
-
-static CMPIStatus CliTestExecQuery(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                   const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                   const char* query, const char* lang) {
-  (void)mi, (void)ctx, (void)rslt, (void)ref, (void)query, (void)lang;
-  CMReturn(CMPI_RC_ERR_NOT_SUPPORTED);
-}
+CLI_TEST_UNSUPPORTED(CreateInstance, CMPIInstanceMI* mi, const CMPIContext* ctx,
+                     const CMPIResult* rslt, const CMPIObjectPath* ref, const CMPIInstance* inst)
+CLI_TEST_UNSUPPORTED(ModifyInstance, CMPIInstanceMI* mi, const CMPIContext* ctx,
+                     const CMPIResult* rslt, const CMPIObjectPath* ref, const CMPIInstance* inst,
+                     const char** properties)
+CLI_TEST_UNSUPPORTED(DeleteInstance, CMPIInstanceMI* mi, const CMPIContext* ctx,
+                     const CMPIResult* rslt, const CMPIObjectPath* ref)
+CLI_TEST_UNSUPPORTED(ExecQuery, CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+                     const CMPIObjectPath* ref, const char* query, const char* lang)
 
 /* ---- method MI ---- */
 
 static CMPIStatus CliTestMethodCleanup(CMPIMethodMI* mi, const CMPIContext* ctx, CMPIBoolean end) {
-  (void)mi, (void)ctx, (void)end;
   CMReturn(CMPI_RC_OK);
 }
 
@@ -149,7 +136,6 @@ static CMPIStatus Twice(const CMPIResult* rslt, const CMPIArgs* in, CMPIArgs* ou
 static CMPIStatus CliTestInvokeMethod(CMPIMethodMI* mi, const CMPIContext* ctx,
                                       const CMPIResult* rslt, const CMPIObjectPath* ref,
                                       const char* method, const CMPIArgs* in, CMPIArgs* out) {
-  (void)mi, (void)ctx, (void)ref;
   Log("+++ InvokeMethod");
   if (strcmp(method, "Twice") == 0) {
     return Twice(rslt, in, out);
@@ -161,49 +147,29 @@ static CMPIStatus CliTestInvokeMethod(CMPIMethodMI* mi, const CMPIContext* ctx,
 
 static CMPIStatus CliTestAssociationCleanup(CMPIAssociationMI* mi, const CMPIContext* ctx,
                                             CMPIBoolean end) {
-  (void)mi, (void)ctx, (void)end;
   CMReturn(CMPI_RC_OK);
 }
 
 /* Answers nothing, so that the command's hint for an empty answer shows. */
-static CMPIStatus Nothing(const CMPIResult* rslt, const char* call) {
-  Log(call);
-  CMReturnDone(rslt);
-  CMReturn(CMPI_RC_OK);
-}
+#define CLI_TEST_NOTHING(operation, ...)              \
+  static CMPIStatus CliTest##operation(__VA_ARGS__) { \
+    Log("+++ " #operation);                           \
+    CMReturnDone(rslt);                               \
+    CMReturn(CMPI_RC_OK);                             \
+  }
 
-static CMPIStatus CliTestAssociators(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                     const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                     const char* assocClass, const char* resultClass,
-                                     const char* role, const char* resultRole,
-                                     const char** properties) {
-  (void)mi, (void)ctx, (void)ref, (void)assocClass, (void)resultClass, (void)role, (void)resultRole,
-      (void)properties;
-  return Nothing(rslt, "+++ Associators");
-}
-
-static CMPIStatus CliTestAssociatorNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                         const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                         const char* assocClass, const char* resultClass,
-                                         const char* role, const char* resultRole) {
-  (void)mi, (void)ctx, (void)ref, (void)assocClass, (void)resultClass, (void)role, (void)resultRole;
-  return Nothing(rslt, "+++ AssociatorNames");
-}
-
-static CMPIStatus CliTestReferences(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                    const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                    const char* resultClass, const char* role,
-                                    const char** properties) {
-  (void)mi, (void)ctx, (void)ref, (void)resultClass, (void)role, (void)properties;
-  return Nothing(rslt, "+++ References");
-}
-
-static CMPIStatus CliTestReferenceNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                        const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                        const char* resultClass, const char* role) {
-  (void)mi, (void)ctx, (void)ref, (void)resultClass, (void)role;
-  return Nothing(rslt, "+++ ReferenceNames");
-}
+CLI_TEST_NOTHING(Associators, CMPIAssociationMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+                 const CMPIObjectPath* ref, const char* assocClass, const char* resultClass,
+                 const char* role, const char* resultRole, const char** properties)
+CLI_TEST_NOTHING(AssociatorNames, CMPIAssociationMI* mi, const CMPIContext* ctx,
+                 const CMPIResult* rslt, const CMPIObjectPath* ref, const char* assocClass,
+                 const char* resultClass, const char* role, const char* resultRole)
+CLI_TEST_NOTHING(References, CMPIAssociationMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
+                 const CMPIObjectPath* ref, const char* resultClass, const char* role,
+                 const char** properties)
+CLI_TEST_NOTHING(ReferenceNames, CMPIAssociationMI* mi, const CMPIContext* ctx,
+                 const CMPIResult* rslt, const CMPIObjectPath* ref, const char* resultClass,
+                 const char* role)
 
 CMInstanceMIStub(CliTest, CliTest, broker, CMNoHook)
     CMMethodMIStub(CliTest, CliTest, broker, CMNoHook)
