@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "RepositoryTestSupport.h"
+#include "HostTestSupport.h"
 #include "repository/MofReader.h"
 
 namespace cmpihost {
