@@ -525,23 +525,6 @@ TEST_F(ProviderDispatchTest, AProvidersFailureReachesTheReplyWithItsMessage) {
   EXPECT_EQ(thrown.status.message, "the provider threw: boom");
 }
 
-TEST_F(ProviderDispatchTest, DestroyingTheHostCleansUpEveryCreatedMiInAScope) {
-  {
-    Host host;
-    host.loadMof(HOST_TEST_MOF);
-    host.registerProvider(Registration("P0", {"Test_Keyed"}, true, true), FactoriesOf<0>());
-    host.registerProvider(Registration("P1", {"Test_Keyed"}, true, true), FactoriesOf<1>());
-    host.enumerateInstances("root/cimv2", "Test_Keyed");     // P0 and P1 instance MIs
-    host.invokeMethod(R"(Test_Keyed.Name="k")", "Run", {});  // P0's method MI
-    ClearCalls();
-  }
-  EXPECT_EQ(Calls(), (std::vector<std::string>{
-                         "P0.cleanup Method terminating scoped",
-                         "P1.cleanup Instance terminating scoped",
-                         "P0.cleanup Instance terminating scoped",
-                     }));
-}
-
 // A CIMOM's idle sweep: a provider is unloaded only when every one of its
 // MIs agrees; an unloaded one is created anew by the next request.
 TEST_F(ProviderDispatchTest, AnIdleUnloadDropsOnlyProvidersWhoseMisAllAgree) {
