@@ -83,9 +83,11 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
       string Names[];
       [ValueMap("1")] uint16 Single;
       [ValueMap{"1", "2"}, MaxLen(10)] uint16 Both;
+      Test_Typed REF Previous;
     };)",
                                 "Test_Typed");
-  // A reference names its class in the declared spelling, not "test_base";
+  // A reference names its class in the declared spelling, not "test_base", and
+  // may name its own class;
   // one value given to an array-typed qualifier becomes a one-element array.
   EXPECT_EQ(Lines(typed),
             (Strings{"class Test_Typed association [Association=true, Description=\"links "
@@ -94,7 +96,8 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
                      "second\"]",
                      "Fixed: uint8[4] from Test_Typed", "Names: string[] from Test_Typed",
                      "Single: uint16 from Test_Typed [ValueMap={\"1\"}]",
-                     "Both: uint16 from Test_Typed [ValueMap={\"1\", \"2\"}, MaxLen=10]"}));
+                     "Both: uint16 from Test_Typed [ValueMap={\"1\", \"2\"}, MaxLen=10]",
+                     "Previous: Test_Typed REF from Test_Typed"}));
   EXPECT_EQ(typed.keyProperties().size(), 1u);
 
   const ClassDecl& service = load(R"(
@@ -104,8 +107,9 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
       uint32 Run([IN, Description("what")] string Name,
                  [IN(false), OUT] Test_Job REF Job,
                  [In] uint16 Codes[],
-                 [Out] string Messages[]);
-      Test_Job REF Current();
+                 [Out] string Messages[],
+                 Test_Service REF Peer);
+      Test_Service REF Current();
     };)",
                                   "Test_Service");
   // In defaults to true, as its declaration says, even for an Out parameter.
@@ -115,27 +119,7 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
                "Run(Name): string in [In=true, Description=\"what\"]",
                "Run(Job): Test_Job REF out [In=false, Out=true]",
                "Run(Codes): uint16[] in [In=true]", "Run(Messages): string[] in out [Out=true]",
-               "Current(): Test_Job REF from Test_Service"}));
-}
-
-TEST_F(MofReaderTest, AClassMayReferToItselfInParametersAndAssociations) {
-  const ClassDecl& node = load(R"(
-    class Test_Node {
-      [Key] string Id;
-      uint32 LinkTo([IN] Test_Node REF Other);
-      Test_Node REF Parent();
-    };)",
-                               "Test_Node");
-  EXPECT_EQ(node.findMethod("LinkTo")->parameters[0].type.refClass, "Test_Node");
-  EXPECT_EQ(node.findMethod("Parent")->returnType.refClass, "Test_Node");
-
-  const ClassDecl& link = load(R"(
-    [Association] class Test_Link {
-      [Key] Test_Link REF Previous;
-      [Key] Test_Node REF Node;
-    };)",
-                               "TEST_LINK");
-  EXPECT_EQ(link.findProperty("Previous")->type.refClass, "Test_Link");
+               "Run(Peer): Test_Service REF in", "Current(): Test_Service REF from Test_Service"}));
 }
 
 TEST_F(MofReaderTest, InheritanceKeepsPositionsDefaultsAndPropagatingQualifiers) {
