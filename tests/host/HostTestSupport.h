@@ -113,7 +113,7 @@ Qualifier Version : string = null, Scope(class, association, indication),
 class TempDir {
  public:
   TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "mofXXXXXX").string();
+    std::string pattern = (std::filesystem::temp_directory_path() / "cmpihost-testXXXXXX").string();
     if (mkdtemp(pattern.data()) != nullptr) {
       path_ = pattern;
     }
