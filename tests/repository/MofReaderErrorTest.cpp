@@ -27,8 +27,8 @@ instance of Test_PairLink { P = "//h.example/Root/Test:Test_Pair.A=\"x,y.z\",B=2
 // Each text follows a good class on line 1 that the failed load must discard;
 // the error is "line:column: problem" of the file "bad.mof".
 const struct {
-  std::string text;
-  std::string error;
+  const char* text;
+  const char* error;
 } kBadInputs[] = {
     {"class Bad { string Name };", "2:25: expected ';' after the property declaration, found '}'"},
     {"class Bad { }", "2:14: expected ';' after the class body, found end of file"},
@@ -142,10 +142,10 @@ TEST(MofReaderErrorTest, EachBadInputNamesItsPlaceAndProblemAndChangesNothing) {
   for (const auto& bad : kBadInputs) {
     SCOPED_TRACE(bad.text);
     try {
-      reader.loadText("class Staged_A { };\n" + bad.text, "bad.mof");
+      reader.loadText(std::string("class Staged_A { };\n") + bad.text, "bad.mof");
       ADD_FAILURE() << "loaded without error";
     } catch (const MofError& error) {
-      EXPECT_EQ(error.what(), "bad.mof:" + bad.error);
+      EXPECT_EQ(error.what(), "bad.mof:" + std::string(bad.error));
       EXPECT_EQ(error.file() + ":" + std::to_string(error.line()) + ":" +
                     std::to_string(error.column()) + ": " + error.problem(),
                 error.what());
