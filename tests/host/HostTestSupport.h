@@ -5,12 +5,11 @@
 #ifndef TESTS_HOST_HOSTTESTSUPPORT_H_
 #define TESTS_HOST_HOSTTESTSUPPORT_H_
 
-#include <stdlib.h>
-
 #include <cmpidt.h>
 #include <cmpift.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
