@@ -1,11 +1,6 @@
 // Providers in shared libraries: both factory symbol forms (generic first),
 // refusals, and registration files in the small-footprint CIMOM's format,
 // bad ones answered with file, line and problem and registering nothing.
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
-
 #include "HostTestSupport.h"
 
 namespace cmpihost::testing {
@@ -19,19 +14,8 @@ ProviderRegistration KeyedRegistration(const char* name) {
 
 class LibraryProviderTest : public HostTest {
  protected:
-  ~LibraryProviderTest() override {
-    for (const std::string& file : files_) {
-      std::remove(file.c_str());
-    }
-  }
-
-  // A registration file with `text`, in a fresh file.
   std::string registrationFile(const std::string& text) {
-    char name[] = "/tmp/cmpihost-regXXXXXX";
-    close(mkstemp(name));
-    std::ofstream(name) << text;
-    files_.emplace_back(name);
-    return name;
+    return files_.write("reg" + std::to_string(++fileCount_) + ".reg", text);
   }
 
   static std::vector<std::string> notes(const Reply& reply) {
@@ -42,7 +26,8 @@ class LibraryProviderTest : public HostTest {
     return found;
   }
 
-  std::vector<std::string> files_;
+  TempDir files_;
+  int fileCount_ = 0;
 };
 
 // Both factory forms are proven by the registration file test below.

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "RepositoryTestSupport.h"
+#include "HostTestSupport.h"
 #include "repository/MofReader.h"
 
 namespace cmpihost {

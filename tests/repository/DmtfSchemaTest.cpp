@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "RepositoryTestSupport.h"
+#include "HostTestSupport.h"
 #include "repository/MofReader.h"
 
 namespace cmpihost {

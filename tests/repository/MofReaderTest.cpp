@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "RepositoryTestSupport.h"
+#include "HostTestSupport.h"
 #include "repository/MofReader.h"
 
 namespace cmpihost {
@@ -39,59 +39,37 @@ class MofReaderTest : public ::testing::Test {
 };
 
 TEST_F(MofReaderTest, LiteralsOfEveryKindAreDecodedAndTyped) {
-  const ClassDecl& decl = load(R"(
-    // Keywords compare without case.
-    CLASS Test_Literals {
-      boolean B = TRUE;
-      boolean F = False;
-      string S = "tab\there" " quote\" \'s\\" /* a comment between */ " \x41\x00e9";
-      string Empty = "";
-      string Nothing = NULL;
-      char16 C = 'x';
-      char16 Newline = '\n';
-      uint8 Hex = 0x1F;
-      uint8 Binary = 101b;
-      uint16 Octal = 017;
-      uint16 Zero = 0;
-      sint8 Low = -128;
-      sint64 Min = -9223372036854775808;
-      uint64 Max = 0xFFFFFFFFFFFFFFFF;
-      real64 R = -1.5e3;
-      real32 WholeReal = 2;
-      real64 Fraction = .25;
-      datetime When = "20240102030405.000000+060";
-      datetime Interval = "00000001020304.000005:000";
-      sint32 List[] = {1, -2, 0x3, null};
-      string NoValues[] = {};
-    };)",
-                               "Test_Literals");
-  const std::pair<const char*, std::string> expected[] = {
-      {"B", "true"},
-      {"F", "false"},
-      {"S", "\"tab\there quote\" 's\\ A\xC3\xA9\""},
-      {"Empty", "\"\""},
-      {"Nothing", "null"},
-      {"C", "'x'"},
-      {"Newline", "'\n'"},
-      {"Hex", "31"},
-      {"Binary", "5"},
-      {"Octal", "15"},
-      {"Zero", "0"},
-      {"Low", "-128"},
-      {"Min", "-9223372036854775808"},
-      {"Max", "18446744073709551615"},
-      {"R", "real -1500"},
-      {"WholeReal", "real 2"},
-      {"Fraction", "real 0.25"},
-      {"When", "\"20240102030405.000000+060\""},
-      {"Interval", "\"00000001020304.000005:000\""},
-      {"List", "{1, -2, 3, null}"},
-      {"NoValues", "{}"},
-  };
-  for (const auto& [name, shown] : expected) {
-    SCOPED_TRACE(name);
-    ASSERT_NE(decl.findProperty(name), nullptr);
-    EXPECT_EQ(Show(decl.findProperty(name)->defaultValue), shown);
+  const std::pair<const char*, const char*> literals[] = {
+      {"boolean B = TRUE", "true"},
+      {"boolean F = False", "false"},
+      {R"(string S = "tab\there" " quote\" \'s\\" /* a comment between */ " \x41\x00e9")",
+       "\"tab\there quote\" 's\\ A\xC3\xA9\""},
+      {R"(string Empty = "")", R"("")"},
+      {"string Nothing = NULL", "null"},
+      {"char16 C = 'x'", "'x'"},
+      {R"(char16 Newline = '\n')", "'\n'"},
+      {"uint8 Hex = 0x1F", "31"},
+      {"uint8 Binary = 101b", "5"},
+      {"uint16 Octal = 017", "15"},
+      {"uint16 Zero = 0", "0"},
+      {"sint8 Low = -128", "-128"},
+      {"sint64 Min = -9223372036854775808", "-9223372036854775808"},
+      {"uint64 Max = 0xFFFFFFFFFFFFFFFF", "18446744073709551615"},
+      {"real64 R = -1.5e3", "real -1500"},
+      {"real32 WholeReal = 2", "real 2"},
+      {"real64 Fraction = .25", "real 0.25"},
+      {R"(datetime When = "20240102030405.000000+060")", R"("20240102030405.000000+060")"},
+      {R"(datetime Interval = "00000001020304.000005:000")", R"("00000001020304.000005:000")"},
+      {"sint32 List[] = {1, -2, 0x3, null}", "{1, -2, 3, null}"},
+      {"string NoValues[] = {}", "{}"}};
+  std::string text = "CLASS Test_Literals {\n";  // keywords compare without case
+  for (const auto& literal : literals) {
+    text += std::string(literal.first) + ";\n";
+  }
+  const ClassDecl& decl = load(text + "};", "Test_Literals");
+  ASSERT_EQ(decl.properties().size(), std::size(literals));
+  for (std::size_t i = 0; i < std::size(literals); ++i) {
+    EXPECT_EQ(Show(decl.properties()[i].defaultValue), literals[i].second) << literals[i].first;
   }
 }
 
@@ -105,9 +83,11 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
       string Names[];
       [ValueMap("1")] uint16 Single;
       [ValueMap{"1", "2"}, MaxLen(10)] uint16 Both;
+      Test_Typed REF Previous;
     };)",
                                 "Test_Typed");
-  // A reference names its class in the declared spelling, not "test_base";
+  // A reference names its class in the declared spelling, not "test_base", and
+  // may name its own class;
   // one value given to an array-typed qualifier becomes a one-element array.
   EXPECT_EQ(Lines(typed),
             (Strings{"class Test_Typed association [Association=true, Description=\"links "
@@ -116,7 +96,8 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
                      "second\"]",
                      "Fixed: uint8[4] from Test_Typed", "Names: string[] from Test_Typed",
                      "Single: uint16 from Test_Typed [ValueMap={\"1\"}]",
-                     "Both: uint16 from Test_Typed [ValueMap={\"1\", \"2\"}, MaxLen=10]"}));
+                     "Both: uint16 from Test_Typed [ValueMap={\"1\", \"2\"}, MaxLen=10]",
+                     "Previous: Test_Typed REF from Test_Typed"}));
   EXPECT_EQ(typed.keyProperties().size(), 1u);
 
   const ClassDecl& service = load(R"(
@@ -126,8 +107,9 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
       uint32 Run([IN, Description("what")] string Name,
                  [IN(false), OUT] Test_Job REF Job,
                  [In] uint16 Codes[],
-                 [Out] string Messages[]);
-      Test_Job REF Current();
+                 [Out] string Messages[],
+                 Test_Service REF Peer);
+      Test_Service REF Current();
     };)",
                                   "Test_Service");
   // In defaults to true, as its declaration says, even for an Out parameter.
@@ -137,27 +119,7 @@ TEST_F(MofReaderTest, PropertiesAndMethodsKeepTypesDirectionsAndQualifiers) {
                "Run(Name): string in [In=true, Description=\"what\"]",
                "Run(Job): Test_Job REF out [In=false, Out=true]",
                "Run(Codes): uint16[] in [In=true]", "Run(Messages): string[] in out [Out=true]",
-               "Current(): Test_Job REF from Test_Service"}));
-}
-
-TEST_F(MofReaderTest, AClassMayReferToItselfInParametersAndAssociations) {
-  const ClassDecl& node = load(R"(
-    class Test_Node {
-      [Key] string Id;
-      uint32 LinkTo([IN] Test_Node REF Other);
-      Test_Node REF Parent();
-    };)",
-                               "Test_Node");
-  EXPECT_EQ(node.findMethod("LinkTo")->parameters[0].type.refClass, "Test_Node");
-  EXPECT_EQ(node.findMethod("Parent")->returnType.refClass, "Test_Node");
-
-  const ClassDecl& link = load(R"(
-    [Association] class Test_Link {
-      [Key] Test_Link REF Previous;
-      [Key] Test_Node REF Node;
-    };)",
-                               "TEST_LINK");
-  EXPECT_EQ(link.findProperty("Previous")->type.refClass, "Test_Link");
+               "Run(Peer): Test_Service REF in", "Current(): Test_Service REF from Test_Service"}));
 }
 
 TEST_F(MofReaderTest, InheritanceKeepsPositionsDefaultsAndPropagatingQualifiers) {
@@ -250,20 +212,7 @@ TEST_F(MofReaderTest, StaticInstancesResolveAliasesToPathsWithKeysInDeclarationO
   EXPECT_TRUE(repository_.staticInstances("root/none", "Test_Thing").empty());
 }
 
-TEST_F(MofReaderTest, LookupsIgnoreCaseAndKeepTheDeclaredSpelling) {
-  reader_.loadText("class Test_MixedCase { string PropName; uint8 DoIt(); };", "case.mof");
-  const ClassDecl* decl = repository_.findClass("ROOT/TEST", "test_mixedcase");
-  ASSERT_NE(decl, nullptr);
-  EXPECT_EQ(decl->name(), "Test_MixedCase");
-  EXPECT_EQ(decl->findProperty("PROPNAME")->name, "PropName");
-  EXPECT_EQ(decl->findMethod("doit")->name, "DoIt");
-  EXPECT_EQ(repository_.findQualifier("Root/Test", "KEY")->name, "Key");
-  EXPECT_EQ(decl->findProperty("Nope"), nullptr);
-  EXPECT_EQ(repository_.findClass(kNamespace, "Test_MixedCas"), nullptr);
-  EXPECT_EQ(repository_.findClass("root/other", "Test_MixedCase"), nullptr);
-}
-
-TEST_F(MofReaderTest, IsAAndClassAndSubclassesFollowTheHierarchyInLoadOrder) {
+TEST_F(MofReaderTest, LookupsIgnoreCaseAndFollowTheHierarchyInLoadOrder) {
   reader_.loadText(R"(
     class T_A { };
     class T_B : T_A { };
@@ -271,7 +220,7 @@ TEST_F(MofReaderTest, IsAAndClassAndSubclassesFollowTheHierarchyInLoadOrder) {
     class T_D : T_B { };
     class T_E : T_C { };
     class T_F : T_B { };
-    class T_Other { };
+    class T_Other { string PropName; uint8 DoIt(); };
   )",
                    "tree.mof");
   const auto names = [&](const char* root) {
@@ -285,6 +234,15 @@ TEST_F(MofReaderTest, IsAAndClassAndSubclassesFollowTheHierarchyInLoadOrder) {
   EXPECT_EQ(names("T_B"), (std::vector<std::string>{"T_B", "T_D", "T_F"}));
   EXPECT_EQ(names("T_E"), (std::vector<std::string>{"T_E"}));
   EXPECT_TRUE(names("T_Nope").empty());
+  // Names compare without case and keep their declared spelling.
+  const ClassDecl* other = repository_.findClass("ROOT/TEST", "t_other");
+  ASSERT_NE(other, nullptr);
+  EXPECT_EQ(other->name(), "T_Other");
+  EXPECT_EQ(other->findProperty("PROPNAME")->name, "PropName");
+  EXPECT_EQ(other->findMethod("doit")->name, "DoIt");
+  EXPECT_EQ(other->findProperty("Nope"), nullptr);
+  EXPECT_EQ(repository_.findClass(kNamespace, "T_Othe"), nullptr);
+  EXPECT_EQ(repository_.findClass("root/other", "T_Other"), nullptr);
 
   EXPECT_TRUE(repository_.isA(kNamespace, "T_D", "T_A"));
   EXPECT_TRUE(repository_.isA(kNamespace, "t_d", "T_b"));
@@ -319,7 +277,7 @@ TEST_F(MofReaderTest, QualifierDeclarationsKeepTypeDefaultScopesAndFlavors) {
   EXPECT_TRUE(repository_.findQualifier(kNamespace, "Plain")->flavors.empty());
 
   // A same-typed redeclaration replaces the default and keeps the first spelling.
-  const QualifierDecl* key = repository_.findQualifier(kNamespace, "Key");
+  const QualifierDecl* key = repository_.findQualifier("Root/Test", "KEY");
   EXPECT_EQ(key->name, "Key");
   EXPECT_TRUE(key->defaultValue.boolean);
 
