@@ -8,8 +8,8 @@
 #include "broker/PathText.h"
 #include "cli/PathHead.h"
 #include "cli/UsageError.h"
+#include "cmpihost/ClassRepository.h"
 #include "cmpihost/CmpiNames.h"
-#include "repository/ClassRepository.h"
 
 namespace cmpihost::cli {
 

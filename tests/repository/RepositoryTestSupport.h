@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "repository/ClassRepository.h"
+#include "cmpihost/ClassRepository.h"
 
 namespace cmpihost::testing {
 

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "SchemaComparison.h"
-#include "repository/ClassRepository.h"
-#include "repository/MofReader.h"
+#include "cmpihost/ClassRepository.h"
+#include "cmpihost/MofReader.h"
 
 namespace diagcore_test {
 namespace {
