@@ -29,16 +29,6 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/diagcore
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/include/cmpihost
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-# The class model a host user reads back, and MofError for failed loads.
-install(FILES
-    ${PROJECT_SOURCE_DIR}/host/repository/CimType.h
-    ${PROJECT_SOURCE_DIR}/host/repository/MofValue.h
-    ${PROJECT_SOURCE_DIR}/host/repository/QualifierDecl.h
-    ${PROJECT_SOURCE_DIR}/host/repository/ClassDecl.h
-    ${PROJECT_SOURCE_DIR}/host/repository/StaticInstance.h
-    ${PROJECT_SOURCE_DIR}/host/repository/ClassRepository.h
-    ${PROJECT_SOURCE_DIR}/host/repository/MofReader.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cmpihost/repository)
 # Plug-ins compile against the same CMPI headers the library was built with.
 install(DIRECTORY ${DIAGCORE_CMPI_INCLUDE_DIR}/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cmpi FILES_MATCHING PATTERN "cmpi*.h")

@@ -2,8 +2,8 @@
 // expected answer to bad MOF; it must say where, and leave the repository
 // as it was. Any other exception, a hang or a sanitizer report is a bug.
 #include "FuzzCheck.h"
-#include "repository/ClassRepository.h"
-#include "repository/MofReader.h"
+#include "cmpihost/ClassRepository.h"
+#include "cmpihost/MofReader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text = diagcore_fuzz::InputText(data, size);

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "broker/BagReading.h"
-#include "repository/ClassRepository.h"
+#include "cmpihost/ClassRepository.h"
 
 namespace cmpihost {
 

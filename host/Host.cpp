@@ -6,10 +6,10 @@
 
 #include "HostImpl.h"
 #include "broker/PathText.h"
+#include "cmpihost/MofReader.h"
 #include "providers/Activation.h"
 #include "providers/Dispatcher.h"
 #include "providers/ProviderLibrary.h"
-#include "repository/MofReader.h"
 
 namespace cmpihost {
 

@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "repository/CimType.h"
+#include "cmpihost/CimType.h"
 
 namespace cmpihost {
 

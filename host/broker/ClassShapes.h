@@ -12,7 +12,7 @@
 #include <string>
 
 #include "broker/Values.h"
-#include "repository/ClassRepository.h"
+#include "cmpihost/ClassRepository.h"
 #include "text/NoCase.h"
 
 namespace cmpihost {

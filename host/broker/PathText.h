@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "broker/Values.h"
-#include "repository/MofValue.h"
+#include "cmpihost/MofValue.h"
 #include "text/PathSyntax.h"
 
 namespace cmpihost {

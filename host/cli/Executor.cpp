@@ -1,15 +1,14 @@
 #include "cli/Executor.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <utility>
 
 #include "broker/PathText.h"
 #include "cli/PathHead.h"
 #include "cli/UsageError.h"
+#include "cmpihost/ClassRepository.h"
 #include "cmpihost/CmpiNames.h"
-#include "repository/ClassRepository.h"
+#include "text/NoCase.h"
 
 namespace cmpihost::cli {
 
@@ -20,10 +19,6 @@ struct Executor::ClassTarget {
 };
 
 namespace {
-
-bool SameName(const std::string& a, const std::string& b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
 
 // Sets the outcome's failure: "<Operation> failed: NAME (code): message".
 // The library's entry points begin their own messages with
@@ -93,7 +88,7 @@ const MethodDecl& RequireMethod(const ClassDecl& decl, const std::string& name) 
 const ParameterDecl& RequireInputParameter(const ClassDecl& decl, const MethodDecl& method,
                                            const std::string& name) {
   for (const ParameterDecl& parameter : method.parameters) {
-    if (SameName(parameter.name, name) && parameter.isIn) {
+    if (NoCaseEqual(parameter.name, name) && parameter.isIn) {
       return parameter;
     }
   }
@@ -111,7 +106,7 @@ void RequireAllKeys(const std::string& text, const ClassDecl& decl,
   std::vector<std::string> missing;
   for (const PropertyDecl* key : decl.keyProperties()) {
     const bool present = std::any_of(given.begin(), given.end(), [&](const PathSyntax::Key& k) {
-      return SameName(k.name, key->name);
+      return NoCaseEqual(k.name, key->name);
     });
     if (!present) {
       missing.push_back(key->name);
@@ -129,7 +124,7 @@ std::vector<Argument> CheckedArguments(const ClassDecl& decl, const MethodDecl& 
   for (const MethodArgument& each : given) {
     const ParameterDecl& parameter = RequireInputParameter(decl, method, each.name);
     for (const Argument& earlier : arguments) {
-      if (SameName(earlier.name, parameter.name)) {
+      if (NoCaseEqual(earlier.name, parameter.name)) {
         throw UsageError("argument " + parameter.name + " is given twice");
       }
     }

@@ -9,7 +9,7 @@
 #include "cli/Formatter.h"
 #include "cli/Request.h"
 #include "cli/Session.h"
-#include "repository/ClassDecl.h"
+#include "cmpihost/ClassDecl.h"
 
 namespace cmpihost::cli {
 

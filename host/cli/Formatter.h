@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/ClassDecl.h"
 #include "cmpihost/Host.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
-#include "repository/ClassDecl.h"
 
 namespace cmpihost::cli {
 

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "cli/UsageError.h"
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 
 namespace cmpihost::cli {
 namespace {

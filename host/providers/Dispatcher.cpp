@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "broker/PathText.h"
+#include "cmpihost/StaticInstance.h"
 #include "providers/Activation.h"
-#include "repository/StaticInstance.h"
 
 namespace cmpihost {
 namespace {

@@ -16,8 +16,8 @@
 #include "broker/LogBook.h"
 #include "broker/PathText.h"
 #include "broker/Values.h"
+#include "cmpihost/ClassRepository.h"
 #include "providers/ProviderTable.h"
-#include "repository/ClassRepository.h"
 
 namespace cmpihost {
 

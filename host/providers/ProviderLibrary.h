@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/ClassRepository.h"
 #include "providers/ProviderTable.h"
-#include "repository/ClassRepository.h"
 
 namespace cmpihost {
 

@@ -1,4 +1,4 @@
-#include "repository/CimType.h"
+#include "cmpihost/CimType.h"
 
 #include "text/NoCase.h"
 

@@ -1,4 +1,4 @@
-#include "repository/ClassDecl.h"
+#include "cmpihost/ClassDecl.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "repository/ClassRepository.h"
+#include "cmpihost/ClassRepository.h"
 
 #include <deque>
 #include <map>

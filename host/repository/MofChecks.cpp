@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 #include "repository/MofStaging.h"
 #include "repository/MofValueRules.h"
 #include "text/Literals.h"

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 
 namespace cmpihost {
 namespace {

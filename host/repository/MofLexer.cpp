@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <limits>
 
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 
 namespace cmpihost {
 namespace {

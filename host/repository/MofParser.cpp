@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 #include "text/NoCase.h"
 
 namespace cmpihost {

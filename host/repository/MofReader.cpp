@@ -1,4 +1,4 @@
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 
 #include <cerrno>
 #include <cstdio>

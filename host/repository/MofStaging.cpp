@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 #include "repository/MofValueRules.h"
 #include "text/Literals.h"
 #include "text/PathSyntax.h"

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "repository/ClassRepository.h"
+#include "cmpihost/ClassRepository.h"
 #include "repository/MofSyntax.h"
 #include "text/NoCase.h"
 

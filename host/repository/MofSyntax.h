@@ -8,9 +8,9 @@
 #include <variant>
 #include <vector>
 
-#include "repository/CimType.h"
+#include "cmpihost/CimType.h"
+#include "cmpihost/MofValue.h"
 #include "repository/MofToken.h"
-#include "repository/MofValue.h"
 
 namespace cmpihost {
 

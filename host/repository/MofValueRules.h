@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "repository/CimType.h"
-#include "repository/MofValue.h"
+#include "cmpihost/CimType.h"
+#include "cmpihost/MofValue.h"
 
 namespace cmpihost {
 

@@ -19,9 +19,9 @@
 #include <vector>
 
 #include "cmpihost/CallScope.h"
+#include "cmpihost/ClassRepository.h"
 #include "cmpihost/Host.h"
 #include "cmpihost/ProviderRegistration.h"
-#include "repository/ClassRepository.h"
 
 namespace cmpihost::testing {
 

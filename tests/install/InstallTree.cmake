@@ -32,7 +32,7 @@ set(expected
   include/cmpi/cmpift.h
   include/cmpi/cmpimacs.h
   include/cmpihost/Host.h
-  include/cmpihost/repository/MofReader.h
+  include/cmpihost/MofReader.h
   share/diagcore/schema/diagcore.mof
   share/diagcore/schema/qualifiers.mof)
 if(EXAMPLES)

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "HostTestSupport.h"
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 
 namespace cmpihost {
 namespace {

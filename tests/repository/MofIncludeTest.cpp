@@ -5,7 +5,7 @@
 #include <string>
 
 #include "HostTestSupport.h"
-#include "repository/MofReader.h"
+#include "cmpihost/MofReader.h"
 
 namespace cmpihost {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "repository/ClassRepository.h"
+#include "cmpihost/ClassRepository.h"
 
 namespace diagcore_test {
 

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "SchemaComparison.h"
-#include "repository/ClassRepository.h"
-#include "repository/MofReader.h"
+#include "cmpihost/ClassRepository.h"
+#include "cmpihost/MofReader.h"
 #include "support/ProgramRun.h"
 
 namespace diagcore_test {

@@ -15,7 +15,7 @@
 
 namespace cmpihost {
 
-struct DroppedProperty {
+struct CMPIHOST_EXPORT DroppedProperty {
   std::string className;
   std::string property;
   std::string reason;  // "the class declares no such property", "'abc' does not read as uint32"

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "cmpihost/Export.h"
 #include "cmpihost/HostError.h"
 #include "cmpihost/Reply.h"
 
@@ -16,14 +17,14 @@ namespace cmpihost {
 // One input argument of a method call. The value text is typed by the
 // method's declared parameter type unless `type` says otherwise; reference
 // arguments are object path texts.
-struct Argument {
+struct CMPIHOST_EXPORT Argument {
   std::string name;
   std::string text;
   std::optional<CMPIType> type;
 };
 
 // The optional filters of associator and reference requests (null when unset).
-struct AssociationFilter {
+struct CMPIHOST_EXPORT AssociationFilter {
   std::optional<std::string> assocClass;
   std::optional<std::string> resultClass;
   std::optional<std::string> role;
@@ -31,7 +32,7 @@ struct AssociationFilter {
 };
 
 // One MI's answer to an idle-unload sweep (Host::unloadIdleProviders).
-struct UnloadAnswer {
+struct CMPIHOST_EXPORT UnloadAnswer {
   std::string providerName;
   std::string kind;       // "Instance", "Method" or "Association"
   Status status;          // what its cleanup returned

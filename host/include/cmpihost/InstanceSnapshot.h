@@ -5,16 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/Export.h"
 #include "cmpihost/Value.h"
 
 namespace cmpihost {
 
-struct Property {
+struct CMPIHOST_EXPORT Property {
   std::string name;
   Value value;
 };
 
-struct InstanceSnapshot {
+struct CMPIHOST_EXPORT InstanceSnapshot {
   std::string className;
   std::string nameSpace;
   std::string path;  // toString of the instance's object path (keys from Key properties)

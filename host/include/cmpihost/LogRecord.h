@@ -4,9 +4,11 @@
 
 #include <string>
 
+#include "cmpihost/Export.h"
+
 namespace cmpihost {
 
-struct LogRecord {
+struct CMPIHOST_EXPORT LogRecord {
   enum class Kind { kLog, kTrace };
   Kind kind = Kind::kLog;
   int severity = 0;  // logMessage severity, or trace level

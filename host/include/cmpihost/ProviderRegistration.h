@@ -9,9 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/Export.h"
+
 namespace cmpihost {
 
-struct ProviderRegistration {
+struct CMPIHOST_EXPORT ProviderRegistration {
   std::string providerName;  // <Name> in <Name>_Create_<Kind>MI
   std::string location;      // the library is lib<location>.so ("" for in-process MIs)
   std::vector<std::string> classNames;
@@ -24,7 +26,7 @@ struct ProviderRegistration {
 
 // In-process MI factories, with the signatures a library exports. A null
 // entry means the provider does not offer that kind.
-struct MiFactories {
+struct CMPIHOST_EXPORT MiFactories {
   CMPIInstanceMI* (*instance)(const CMPIBroker*, const CMPIContext*, CMPIStatus*) = nullptr;
   CMPIMethodMI* (*method)(const CMPIBroker*, const CMPIContext*, CMPIStatus*) = nullptr;
   CMPIAssociationMI* (*association)(const CMPIBroker*, const CMPIContext*, CMPIStatus*) = nullptr;

@@ -8,18 +8,19 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/Export.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "cmpihost/Value.h"
 
 namespace cmpihost {
 
-struct Status {
+struct CMPIHOST_EXPORT Status {
   CMPIrc rc = CMPI_RC_OK;
   bool hasMessage = false;  // false when the provider's msg was null
   std::string message;
 };
 
-struct ResultEvent {
+struct CMPIHOST_EXPORT ResultEvent {
   enum class Kind { kInstance, kObjectPath, kData, kDone, kError };
   Kind kind = Kind::kDone;
   InstanceSnapshot instance;  // kInstance
@@ -28,7 +29,7 @@ struct ResultEvent {
   std::string error;          // kError: the CMPIError's message
 };
 
-struct Reply {
+struct CMPIHOST_EXPORT Reply {
   // The first failing provider call's status, or OK. A request that no
   // provider serves has CMPI_RC_ERR_NOT_SUPPORTED (or NOT_FOUND for a get).
   Status status;

@@ -9,9 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "cmpihost/Export.h"
+
 namespace cmpihost {
 
-struct Value {
+struct CMPIHOST_EXPORT Value {
   CMPIType type = CMPI_null;
   CMPIValueState state = CMPI_nullValue;
   bool boolean = false;         // CMPI_boolean

@@ -6,12 +6,12 @@
 #include <cmpi/cmpios.h>
 #include <cmpi/cmpipl.h>
 #include <cmpihost/CallScope.h>
+#include <cmpihost/ClassRepository.h>
 #include <cmpihost/Host.h>
 #include <cmpihost/InstanceSnapshot.h>
 #include <cmpihost/LogRecord.h>
+#include <cmpihost/MofReader.h>
 #include <cmpihost/ProviderRegistration.h>
 #include <cmpihost/Reply.h>
 #include <cmpihost/Value.h>
-#include <cmpihost/repository/ClassRepository.h>
-#include <cmpihost/repository/MofReader.h>
 #include <diagcore/diagcore.h>

@@ -1,24 +1,24 @@
-// The front door is cmpihost/Host.h; this header is internal.
 // The classes, qualifier declarations and static instances of every
 // namespace, as loaded from MOF. Loading is transactional per file; once
 // loaded, the repository is only read, from any number of threads (it keeps
 // no caches). Loading must not overlap reading. Pointers it hands out stay
 // valid while the repository lives, later loads included.
-#ifndef CMPIHOST_REPOSITORY_CLASSREPOSITORY_H_
-#define CMPIHOST_REPOSITORY_CLASSREPOSITORY_H_
+#ifndef CMPIHOST_CLASSREPOSITORY_H_
+#define CMPIHOST_CLASSREPOSITORY_H_
 
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "repository/ClassDecl.h"
-#include "repository/QualifierDecl.h"
-#include "repository/StaticInstance.h"
+#include "cmpihost/ClassDecl.h"
+#include "cmpihost/Export.h"
+#include "cmpihost/QualifierDecl.h"
+#include "cmpihost/StaticInstance.h"
 
 namespace cmpihost {
 
-class ClassRepository {
+class CMPIHOST_EXPORT ClassRepository {
  public:
   ClassRepository();
   ~ClassRepository();
@@ -63,4 +63,4 @@ class ClassRepository {
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_CLASSREPOSITORY_H_
+#endif  // CMPIHOST_CLASSREPOSITORY_H_

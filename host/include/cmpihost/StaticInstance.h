@@ -1,18 +1,18 @@
-// The front door is cmpihost/Host.h; this header is internal.
 // An "instance of Class { ... };" declaration from MOF, served by the host as
 // if a provider had returned it.
-#ifndef CMPIHOST_REPOSITORY_STATICINSTANCE_H_
-#define CMPIHOST_REPOSITORY_STATICINSTANCE_H_
+#ifndef CMPIHOST_STATICINSTANCE_H_
+#define CMPIHOST_STATICINSTANCE_H_
 
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "repository/MofValue.h"
+#include "cmpihost/Export.h"
+#include "cmpihost/MofValue.h"
 
 namespace cmpihost {
 
-struct StaticInstance {
+struct CMPIHOST_EXPORT StaticInstance {
   std::string className;  // the class's declared spelling
   // Property values in the order written; aliases already resolved to
   // kReference object path texts.
@@ -21,4 +21,4 @@ struct StaticInstance {
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_STATICINSTANCE_H_
+#endif  // CMPIHOST_STATICINSTANCE_H_

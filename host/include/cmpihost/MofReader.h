@@ -1,4 +1,3 @@
-// The front door is cmpihost/Host.h; this header is internal.
 // Reads MOF text into a ClassRepository: qualifier declarations, classes,
 // instances, "#pragma include" and "#pragma namespace". A load (one call,
 // with everything it includes) either goes in whole or not at all.
@@ -13,18 +12,19 @@
 // for what follows the include too. Aliases ($name) are known from their
 // "instance of ... as $name" to the end of the same load. Positions are
 // 1-based, columns count bytes.
-#ifndef CMPIHOST_REPOSITORY_MOFREADER_H_
-#define CMPIHOST_REPOSITORY_MOFREADER_H_
+#ifndef CMPIHOST_MOFREADER_H_
+#define CMPIHOST_MOFREADER_H_
 
 #include <stdexcept>
 #include <string>
 
-#include "repository/ClassRepository.h"
+#include "cmpihost/ClassRepository.h"
+#include "cmpihost/Export.h"
 
 namespace cmpihost {
 
 // The one error a failed load reports: where, and what.
-class MofError : public std::runtime_error {
+class CMPIHOST_EXPORT MofError : public std::runtime_error {
  public:
   MofError(std::string file, unsigned line, unsigned column, std::string problem);
   const std::string& file() const { return file_; }
@@ -41,7 +41,7 @@ class MofError : public std::runtime_error {
   std::string problem_;
 };
 
-class MofReader {
+class CMPIHOST_EXPORT MofReader {
  public:
   // Classes land in `defaultNamespace` unless a "#pragma namespace" says otherwise.
   MofReader(ClassRepository& repository, std::string defaultNamespace);
@@ -60,4 +60,4 @@ class MofReader {
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_MOFREADER_H_
+#endif  // CMPIHOST_MOFREADER_H_

@@ -1,12 +1,13 @@
-// The front door is cmpihost/Host.h; this header is internal.
 // The CIM data types a class declaration can give a property, a method or a
 // parameter, independent of CMPI's codes (the broker maps them).
-#ifndef CMPIHOST_REPOSITORY_CIMTYPE_H_
-#define CMPIHOST_REPOSITORY_CIMTYPE_H_
+#ifndef CMPIHOST_CIMTYPE_H_
+#define CMPIHOST_CIMTYPE_H_
 
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "cmpihost/Export.h"
 
 namespace cmpihost {
 
@@ -29,7 +30,7 @@ enum class CimType {
 };
 
 // A declared type: scalar or array, and for references the referenced class.
-struct TypeDecl {
+struct CMPIHOST_EXPORT TypeDecl {
   CimType type = CimType::kString;
   bool isArray = false;
   std::optional<unsigned> arraySize;  // fixed size written as "name[4]"
@@ -37,11 +38,11 @@ struct TypeDecl {
 };
 
 // The MOF keyword of a type ("uint8", "datetime", ...); "ref" for references.
-const char* CimTypeName(CimType type);
+CMPIHOST_EXPORT const char* CimTypeName(CimType type);
 
 // The type a MOF data-type keyword names, compared case-insensitively.
-std::optional<CimType> CimTypeFromName(std::string_view keyword);
+CMPIHOST_EXPORT std::optional<CimType> CimTypeFromName(std::string_view keyword);
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_CIMTYPE_H_
+#endif  // CMPIHOST_CIMTYPE_H_

@@ -1,20 +1,20 @@
-// The front door is cmpihost/Host.h; this header is internal.
 // A CIM class as the repository holds it after loading: its own declaration
 // plus everything it inherits, resolved once so that lookups are cheap.
-#ifndef CMPIHOST_REPOSITORY_CLASSDECL_H_
-#define CMPIHOST_REPOSITORY_CLASSDECL_H_
+#ifndef CMPIHOST_CLASSDECL_H_
+#define CMPIHOST_CLASSDECL_H_
 
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "repository/CimType.h"
-#include "repository/MofValue.h"
-#include "repository/QualifierDecl.h"
+#include "cmpihost/CimType.h"
+#include "cmpihost/Export.h"
+#include "cmpihost/MofValue.h"
+#include "cmpihost/QualifierDecl.h"
 
 namespace cmpihost {
 
-struct PropertyDecl {
+struct CMPIHOST_EXPORT PropertyDecl {
   std::string name;  // declared spelling
   TypeDecl type;
   bool isKey = false;
@@ -25,7 +25,7 @@ struct PropertyDecl {
   std::string classOrigin;  // the class that first declared the property
 };
 
-struct ParameterDecl {
+struct CMPIHOST_EXPORT ParameterDecl {
   std::string name;
   TypeDecl type;
   bool isIn = true;  // In defaults to true, as in CIM
@@ -33,7 +33,7 @@ struct ParameterDecl {
   std::vector<Qualifier> qualifiers;
 };
 
-struct MethodDecl {
+struct CMPIHOST_EXPORT MethodDecl {
   std::string name;
   TypeDecl returnType;
   std::vector<ParameterDecl> parameters;
@@ -41,7 +41,7 @@ struct MethodDecl {
   std::string classOrigin;
 };
 
-class ClassDecl {
+class CMPIHOST_EXPORT ClassDecl {
  public:
   ClassDecl(std::string name, std::string superName);
 
@@ -95,4 +95,4 @@ class ClassDecl {
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_CLASSDECL_H_
+#endif  // CMPIHOST_CLASSDECL_H_

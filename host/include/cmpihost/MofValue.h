@@ -1,20 +1,21 @@
-// The front door is cmpihost/Host.h; this header is internal.
 // A constant written in MOF: a qualifier value, a property default or a value
 // of a static instance. The reader has checked it against the declared type
 // (integer ranges, date-time shape, array or not) and brought it to that
 // type's form: an integer written for a real is kReal, a string written for
 // a reference is kReference, a single value given to an array-typed
 // qualifier is a one-element kArray. The broker turns it into a CMPI value.
-#ifndef CMPIHOST_REPOSITORY_MOFVALUE_H_
-#define CMPIHOST_REPOSITORY_MOFVALUE_H_
+#ifndef CMPIHOST_MOFVALUE_H_
+#define CMPIHOST_MOFVALUE_H_
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "cmpihost/Export.h"
+
 namespace cmpihost {
 
-struct MofValue {
+struct CMPIHOST_EXPORT MofValue {
   enum class Kind {
     kNull,
     kBoolean,
@@ -37,4 +38,4 @@ struct MofValue {
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_MOFVALUE_H_
+#endif  // CMPIHOST_MOFVALUE_H_

@@ -1,17 +1,17 @@
-// The front door is cmpihost/Host.h; this header is internal.
 // A "Qualifier Name : type = default, Scope(...), Flavor(...);" declaration.
-#ifndef CMPIHOST_REPOSITORY_QUALIFIERDECL_H_
-#define CMPIHOST_REPOSITORY_QUALIFIERDECL_H_
+#ifndef CMPIHOST_QUALIFIERDECL_H_
+#define CMPIHOST_QUALIFIERDECL_H_
 
 #include <string>
 #include <vector>
 
-#include "repository/CimType.h"
-#include "repository/MofValue.h"
+#include "cmpihost/CimType.h"
+#include "cmpihost/Export.h"
+#include "cmpihost/MofValue.h"
 
 namespace cmpihost {
 
-struct QualifierDecl {
+struct CMPIHOST_EXPORT QualifierDecl {
   std::string name;  // declared spelling
   TypeDecl type;
   MofValue defaultValue;             // kNull when none
@@ -20,11 +20,11 @@ struct QualifierDecl {
 };
 
 // A qualifier applied to a class, property, method or parameter.
-struct Qualifier {
+struct CMPIHOST_EXPORT Qualifier {
   std::string name;  // the declaration's spelling
   MofValue value;    // a bare boolean qualifier ("Key") has value true
 };
 
 }  // namespace cmpihost
 
-#endif  // CMPIHOST_REPOSITORY_QUALIFIERDECL_H_
+#endif  // CMPIHOST_QUALIFIERDECL_H_
