@@ -10,18 +10,21 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cmpihost/CallScope.h"
 #include "cmpihost/InstanceSnapshot.h"
 #include "diagcore/CimNames.h"
 #include "diagcore/InstanceBuilder.h"
+#include "diagcore/InstanceImpl.h"
 #include "support/LibraryHost.h"
 
 namespace diagcore_test {
 namespace {
 
 using NQENDRA20::InstanceBuilder;
+using Properties = std::vector<std::pair<std::string, std::string>>;
 using ::testing::IsEmpty;
 
 // What a freshly made stream reads from `text`.
@@ -92,38 +95,19 @@ class InstanceBuilderTest : public CoreHostTest {
 
 TEST_F(InstanceBuilderTest, NumbersAndBooleansReadAsAFreshStreamReadsThem) {
   cmpihost::CallScope scope(host());
-  const std::vector<std::string> texts = {"0",
-                                          "7",
-                                          "007",
-                                          "200",
-                                          "65535",
-                                          "65536",
-                                          "32768",
-                                          "2147483647",
-                                          "2147483648",
-                                          "4294967295",
-                                          "4294967296",
-                                          "-1",
-                                          "-5",
-                                          "+5",
-                                          " 5",
-                                          "  A",
-                                          "5 ",
-                                          "",
-                                          "x",
-                                          "true",
-                                          "1,234",
-                                          "12abc",
-                                          "0x10",
-                                          "-32769",
-                                          "1.5",
-                                          "2.25e3",
-                                          "00000000000000000001",
-                                          "9223372036854775808",
-                                          "18446744073709551615",
-                                          "-9223372036854775807"};
+  // Separated by "|": every piece, the empty one too, is read.
+  std::vector<std::string> texts = {""};
+  for (const char c : std::string("0|7|007|200|65535|65536|32768|2147483647|2147483648|4294967295|"
+                                  "4294967296|-1|-5|+5| 5|  A|5 ||x|true|1,234|12abc|0x10|-32769|"
+                                  "1.5|2.25e3|00000000000000000001|9223372036854775808|"
+                                  "18446744073709551615|-9223372036854775807")) {
+    if (c == '|') {
+      texts.emplace_back();
+    } else {
+      texts.back() += c;
+    }
+  }
   for (const std::string& text : texts) {
-    // 8-bit types read one character: its code.
     EXPECT_EQ(Convert(scope, CMPI_uint8, text).uint8, StreamRead<unsigned char>(text)) << text;
     EXPECT_EQ(Convert(scope, CMPI_sint8, text).sint8, StreamRead<signed char>(text)) << text;
     EXPECT_EQ(Convert(scope, CMPI_uint16, text).uint16, StreamRead<unsigned short>(text)) << text;
@@ -136,7 +120,7 @@ TEST_F(InstanceBuilderTest, NumbersAndBooleansReadAsAFreshStreamReadsThem) {
     EXPECT_EQ(Convert(scope, CMPI_real32, text).real32, StreamRead<float>(text)) << text;
     EXPECT_EQ(Convert(scope, CMPI_real64, text).real64, StreamRead<double>(text)) << text;
   }
-  // The surprises that follow, spelt out: words are no booleans, "7" is 55.
+  // Words are no booleans, and an 8-bit type reads one character: "7" is 55.
   EXPECT_EQ(Convert(scope, CMPI_boolean, "true").boolean, 0);
   EXPECT_EQ(Convert(scope, CMPI_uint8, "7").uint8, 55);
 
@@ -379,6 +363,152 @@ TEST_F(CoreHostTest, HostPropertyNamesMatchWithoutCaseAndOnlyWhole) {
   value.uint16 = 9;
   EXPECT_EQ(instance->ft->setProperty(instance, "u16", &value, CMPI_uint16).rc, CMPI_RC_OK);
   EXPECT_EQ(instance->ft->getProperty(instance, "U16", nullptr).value.uint16, 9);
+}
+
+// The host's log names each bag property the library's builder drops or
+// misreads, as it builds, and stays quiet about everything else.
+
+class BuildWatchTest : public CoreHostTest {
+ protected:
+  // HostLines of building `bag` twice, as a registration does, on a cleared log.
+  std::vector<std::string> HostLinesOfBuilding(TestBag& bag) {
+    host().clearLog();
+    const StdoutCapture unhandled;  // char16: the builder says so on standard output
+    const cmpihost::CallScope scope(host());
+    for (int time = 0; time < 2; ++time) {
+      EXPECT_NE(builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag), nullptr);
+    }
+    return HostLines();
+  }
+
+  // The host's own records (id "cmpihost"), as "severity text".
+  std::vector<std::string> HostLines() {
+    std::vector<std::string> lines;
+    for (const cmpihost::LogRecord& record : host().logRecords()) {
+      if (record.id == "cmpihost") {
+        lines.push_back(std::to_string(record.severity) + " " + record.text);
+      }
+    }
+    return lines;
+  }
+
+  const NQENDRA20::InstanceBuilder builder_{NQENDRA20::cimNameSpace};
+};
+
+// One warning for each property however often it is built; the last case
+// repeats the first, as a cleared log hears everything again.
+TEST_F(BuildWatchTest, EachDroppedOrMisreadPropertyIsOneWarning) {
+  const std::string dropped =
+      "3 bag property dropped: DCT_AllTypes.Colour: the class declares "
+      "no such property";
+  const std::string misread = "3 bag property misread: DCT_AllTypes.";
+  const struct {
+    const char* name;
+    const char* text;
+    std::string line;  // empty: nothing is logged
+  } cases[] = {
+      {"Colour", "red", dropped},
+      {"Flag", "true",
+       misread + "Flag: 'true' does not read as boolean (the builder reads 1 or 0)"},
+      {"U8", "7",
+       misread + "U8: '7' does not read as uint8 (the builder reads one character, "
+                 "as its code: '7' becomes 55)"},
+      {"U32", "12abc", misread + "U32: '12abc' does not read as uint32"},
+      {"R64", "half", misread + "R64: 'half' does not read as real64"},
+      {"When", "2024-01-01", misread + "When: '2024-01-01' does not read as datetime"},
+      {"Letter", "A", misread + "Letter: 'A' is not built: the builder reads no char16 value"},
+      {"Flag", "1", ""},
+      {"U8", "a", ""},
+      {"When", "", ""},
+      {"U16s", "1,x", ""},  // arrays are not traced by the builder: not checked
+      {"Colour", "red", dropped},
+  };
+  for (const auto& c : cases) {
+    TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}, {c.name, c.text}});
+    const std::vector<std::string> expected =
+        c.line.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.line};
+    EXPECT_EQ(HostLinesOfBuilding(bag), expected) << c.name << "='" << c.text << "'";
+  }
+}
+
+// The referenced instances are built inside the link's build; their
+// properties, and the link's after them, are still told apart.
+TEST_F(BuildWatchTest, NestedBuildsOfReferencesKeepEachPropertyWithItsInstance) {
+  TestBag link("DCT_Link", {{"Antecedent", ElementText("e1")},
+                            {"Dependent", "DCT_Element.DeviceID="},
+                            {"Note", "n"},
+                            {"Zzz", "z"}});
+  EXPECT_EQ(HostLinesOfBuilding(link),
+            (std::vector<std::string>{
+                "3 bag property misread: DCT_Link.Dependent: 'DCT_Element.DeviceID=' does not "
+                "read as ref",
+                "3 bag property dropped: DCT_Link.Zzz: the class declares no such property"}));
+}
+
+// A provider asking a built instance for a property its class lacks (a role
+// the client named) is not told of, even while an instance the builder never
+// closed (its bag was empty) is still open.
+TEST_F(BuildWatchTest, ProbesOfBuiltInstancesAreNotReported) {
+  TestBag empty("DCT_AllTypes");
+  TestBag bag("DCT_AllTypes", {{"InstanceID", "a"}});
+  host().clearLog();
+  const cmpihost::CallScope scope(host());
+  ASSERT_NE(builder_.build(scope.broker(), scope.context(), empty.getClassName(), empty), nullptr);
+  CMPIInstance* built = builder_.build(scope.broker(), scope.context(), bag.getClassName(), bag);
+  ASSERT_NE(built, nullptr);
+  EXPECT_EQ(built->ft->getProperty(built, "Role", nullptr).type, CMPI_null);
+  EXPECT_EQ(HostLines(), std::vector<std::string>{});
+}
+
+// The property bag: insert-on-read, properties-only copies, byte order of
+// names and the printed form.
+
+Properties PropertiesOf(const NQENDRA20::InstanceImpl& bag) {
+  return Properties(bag.begin(), bag.end());
+}
+
+TEST(InstanceImplTest, ReadsInsertAndNamesKeepByteOrder) {
+  TestBag bag("DCT_Element");
+  EXPECT_EQ(bag.find("Caption"), bag.end());
+  // Both hand out the stored value itself, inserting it empty first.
+  bag.get("Caption") = "c";
+  bag["Other"] += "o";
+  EXPECT_EQ(PropertiesOf(bag), (Properties{{"Caption", "c"}, {"Other", "o"}}));
+
+  TestBag names("X", {{"name", "1"}, {"Name", "2"}, {"a", "3"}, {"B", "4"}});
+  EXPECT_EQ(PropertiesOf(names),
+            (Properties{{"B", "4"}, {"Name", "2"}, {"a", "3"}, {"name", "1"}}));
+}
+
+TEST(InstanceImplTest, CopiesCarryPropertiesOnly) {
+  TestBag target("ClassA", {{"a", "1"}, {"b", "2"}});
+  target.setObjectPath("ClassA.a=\"1\"");
+  TestBag source("ClassB", {{"c", "3"}});
+  source.setObjectPath("ClassB.c=\"3\"");
+
+  target = source;
+  EXPECT_EQ(target.getClassName(), "ClassA");
+  EXPECT_EQ(target.getObjectPath(), "ClassA.a=\"1\"");
+  EXPECT_EQ(PropertiesOf(target), (Properties{{"c", "3"}}));
+
+  const TestBag copy(source);
+  EXPECT_EQ(copy.getClassName(), "");
+  EXPECT_EQ(copy.getObjectPath(), "");
+  EXPECT_EQ(PropertiesOf(copy), (Properties{{"c", "3"}}));
+
+  TestBag& alias = target;
+  target = alias;
+  EXPECT_EQ(target.getObjectPath(), "ClassA.a=\"1\"");
+  EXPECT_EQ(PropertiesOf(target), (Properties{{"c", "3"}}));
+}
+
+TEST(InstanceImplTest, PrintWritesNameTwoTabsValueLinesThenAnEmptyLine) {
+  TestBag bag("ClassA", {{"b", "two words"}, {"a", "1"}});
+  bag.setObjectPath("never printed");
+  StdoutCapture out;
+  bag.print();
+  TestBag("ClassA").print();
+  EXPECT_EQ(out.text(), "a\t\t1\nb\t\ttwo words\n\n\n");
 }
 
 }  // namespace

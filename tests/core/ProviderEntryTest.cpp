@@ -24,14 +24,6 @@ constexpr auto kPath = ResultEvent::Kind::kObjectPath;
 constexpr auto kData = ResultEvent::Kind::kData;
 constexpr auto kDone = ResultEvent::Kind::kDone;
 
-std::vector<ResultEvent::Kind> Kinds(const Reply& reply) {
-  std::vector<ResultEvent::Kind> kinds;
-  for (const ResultEvent& event : reply.events) {
-    kinds.push_back(event.kind);
-  }
-  return kinds;
-}
-
 std::vector<std::string> DeviceIds(const Reply& reply) {
   std::vector<std::string> ids;
   for (const cmpihost::InstanceSnapshot& instance : reply.instances()) {

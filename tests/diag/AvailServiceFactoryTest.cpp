@@ -1,15 +1,19 @@
-// AvailServiceFactory: one numbered association per user element, in the
-// broker's order; what it does with no users, odd users, or no service.
+// The factories. AvailServiceFactory: one numbered association per user
+// element, in the broker's order; what it does with no users, odd users, or no
+// service. ServiceFactory: what it asks the broker for, in which order, and
+// what its hook receives and returns.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "cmpihost/CallScope.h"
 #include "diagcore/AvailServiceFactory.h"
 #include "diagcore/InstanceRegistry.h"
+#include "diagcore/ServiceFactory.h"
 #include "plugin/DiagTestPlugin.h"
 #include "support/LibraryHost.h"
 
@@ -17,6 +21,7 @@ namespace diagcore_test {
 namespace {
 
 using NQENDRA20::AvailServiceFactory;
+using NQENDRA20::DiagService;
 using NQENDRA20::InstanceRegistry;
 using Properties = std::map<std::string, std::string>;
 using ::testing::ElementsAre;
@@ -220,6 +225,51 @@ TEST_F(AvailServiceFactoryTest, NoServiceCreatesNothingAndAnUnregisteredOneEmpty
   EXPECT_THAT(Associations(),
               ElementsAre(Association("disk0", "10", false), Association("disk1", "15", false),
                           Association("disk2", "20", false)));
+}
+
+// Remembers what its hook was given; answers with a fixed result.
+class ProbeFactory : public NQENDRA20::ServiceFactory {
+ public:
+  DiagService** CreateServicesImpl(std::string dateTime, std::string systemName,
+                                   unsigned int& serviceCount) override {
+    seen.push_back(dateTime + " " + systemName + " " + std::to_string(serviceCount));
+    if (throwIt) {
+      throw std::runtime_error("hook failed");
+    }
+    if (countToWrite >= 0) {
+      serviceCount = static_cast<unsigned int>(countToWrite);
+    }
+    return answer;
+  }
+
+  std::vector<std::string> seen;
+  int countToWrite = -1;
+  bool throwIt = false;
+  DiagService** answer = nullptr;
+};
+
+class ServiceFactoryTest : public DiagHostTest {};
+
+TEST_F(ServiceFactoryTest, TheDateTimeIsAskedBeforeTheSystemAndBothReachTheHook) {
+  cmpihost::CallScope scope(host());
+  RecordingBroker recording(scope.broker());
+  ProbeFactory factory;
+  unsigned int count = 41;
+  EXPECT_EQ(factory.CreateServices(recording.broker(), scope.context(), count), nullptr);
+  EXPECT_THAT(recording.calls, ElementsAre("newDateTime", "newObjectPath TORSK_ComputerSystem",
+                                           "enumerateInstances TORSK_ComputerSystem"));
+  EXPECT_THAT(factory.seen, ElementsAre(CimDateTime(FixedTime()) + " testhost.example 41"));
+  EXPECT_EQ(count, 41U);
+
+  // The hook's count and result pass through untouched, as does what it throws.
+  DiagService* services[2] = {nullptr, nullptr};
+  factory.countToWrite = 2;
+  factory.answer = services;
+  EXPECT_EQ(factory.CreateServices(scope.broker(), scope.context(), count), services);
+  EXPECT_EQ(count, 2U);
+  factory.throwIt = true;
+  EXPECT_THROW(factory.CreateServices(scope.broker(), scope.context(), count), std::runtime_error);
+  EXPECT_EQ(factory.seen.size(), 3U);
 }
 
 }  // namespace

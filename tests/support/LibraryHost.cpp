@@ -117,15 +117,6 @@ std::vector<std::string> PluginClasses() {
           diagtestplugin::kSettingClass, diagtestplugin::kCapabilitiesClass};
 }
 
-std::vector<std::string> Summaries(const std::vector<cmpihost::InstanceSnapshot>& instances) {
-  std::vector<std::string> summaries;
-  summaries.reserve(instances.size());
-  for (const cmpihost::InstanceSnapshot& instance : instances) {
-    summaries.push_back(ClassAndKey(instance));
-  }
-  return summaries;
-}
-
 }  // namespace
 
 std::string SourcePath(const std::string& relative) {
@@ -138,10 +129,6 @@ std::string CoreData(const std::string& file) {
 
 bool operator==(const TraceLine& a, const TraceLine& b) {
   return a.severity == b.severity && a.text == b.text;
-}
-
-bool operator!=(const TraceLine& a, const TraceLine& b) {
-  return !(a == b);
 }
 
 void PrintTo(const TraceLine& line, std::ostream* out) {
@@ -341,34 +328,6 @@ std::string RecordPath(const std::string& instanceId) {
   return std::string(kNameSpacePrefix) + "DTP_DiagServiceRecord.InstanceID=\"" + instanceId + "\"";
 }
 
-std::string SettingPath(const std::string& service) {
-  return std::string(kNameSpacePrefix) + "DTP_DiagSettingData.InstanceID=\"DTP:Setting:" + service +
-         "\"";
-}
-
-std::string CapabilitiesPath(const std::string& service) {
-  return std::string(kNameSpacePrefix) +
-         "DTP_DiagCapabilities.InstanceID=\"DTP:Capabilities:" + service + "\"";
-}
-
-std::string LogPath(const std::string& service) {
-  return std::string(kNameSpacePrefix) +
-         "PTP_DiagnosticLog.InstanceID=\"PTP_DiagnosticLog:" + service + "\"";
-}
-
-std::string ProfileRecordPath(const std::string& service, int run) {
-  return RecordPath("DTP_DiagService:" + service + ":" + CimDateTime(FixedTime()) + ":" +
-                    std::to_string(run));
-}
-
-profiletestplugin::StartOptions AllOn() {
-  profiletestplugin::StartOptions options;
-  options.profile.classes = NQENDRA20::ProfileClasses::WithPrefix("PTP");
-  options.profile.retention = true;
-  options.profile.runDiagnosticService = true;
-  return options;
-}
-
 const cmpihost::Value& Prop(const cmpihost::InstanceSnapshot& instance, const std::string& name) {
   static const cmpihost::Value missing;
   const cmpihost::Value* value = instance.find(name);
@@ -396,6 +355,14 @@ std::string ClassAndKey(const cmpihost::InstanceSnapshot& instance) {
     }
   }
   return instance.className + ":?";
+}
+
+std::vector<cmpihost::ResultEvent::Kind> Kinds(const cmpihost::Reply& reply) {
+  std::vector<cmpihost::ResultEvent::Kind> kinds;
+  for (const cmpihost::ResultEvent& event : reply.events) {
+    kinds.push_back(event.kind);
+  }
+  return kinds;
 }
 
 std::vector<TraceLine> LibraryHostTest::TakeTraces() {
@@ -434,49 +401,6 @@ std::vector<cmpihost::InstanceSnapshot> DiagHostTest::Records() {
 PluginHostTest::PluginHostTest() {
   RegisterTestPlugin(host());
   host().activateProviders();
-}
-
-ProfileTest::ProfileTest() {
-  host().loadMof(SourcePath("tests/profile/profiletestplugin.mof"));
-  RegisterProfilePlugin(host());
-}
-
-void ProfileTest::Start(const profiletestplugin::StartOptions& options) {
-  profiletestplugin::NextStart() = options;
-  host().activateProviders();
-  host().clearLog();
-}
-
-cmpihost::Reply ProfileTest::RunService(const std::string& service, const std::string& device,
-                                        std::vector<cmpihost::Argument> extra,
-                                        std::vector<cmpihost::Property>* out) {
-  std::vector<cmpihost::Argument> in = {
-      cmpihost::Argument{"ManagedElement", DevicePath(device), std::nullopt}};
-  in.insert(in.end(), extra.begin(), extra.end());
-  return host().invokeMethod(ServicePath(service), "RunDiagnosticService", in, out);
-}
-
-std::vector<std::string> ProfileTest::Enumerate(const std::string& className) {
-  return Summaries(host().enumerateInstances("root/cimv2", className).instances());
-}
-
-std::vector<std::string> ProfileTest::Associators(const std::string& path,
-                                                  const std::string& assocClass) {
-  cmpihost::AssociationFilter filter;
-  filter.assocClass = assocClass;
-  return Summaries(host().associators(path, filter).instances());
-}
-
-std::vector<std::string> ProfileTest::References(const std::string& path,
-                                                 const std::string& assocClass) {
-  // A references request names the association class as its result class.
-  cmpihost::AssociationFilter filter;
-  filter.resultClass = assocClass;
-  std::vector<std::string> classes;
-  for (const cmpihost::InstanceSnapshot& instance : host().references(path, filter).instances()) {
-    classes.push_back(instance.className);
-  }
-  return classes;
 }
 
 namespace {

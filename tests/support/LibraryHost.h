@@ -44,7 +44,6 @@ struct TraceLine {
   std::string text;
 };
 bool operator==(const TraceLine& a, const TraceLine& b);
-bool operator!=(const TraceLine& a, const TraceLine& b);
 void PrintTo(const TraceLine& line, std::ostream* out);
 
 // The library's records (id "diagcore"), in order; one of another kind than
@@ -162,14 +161,6 @@ std::string ServiceText(const std::string& name);
 std::string DeviceText(const std::string& deviceId);
 // Its references keep the host and namespace the builder gave them.
 std::string AvailabilityText(const std::string& service, const std::string& deviceId);
-std::string SettingPath(const std::string& service);
-std::string CapabilitiesPath(const std::string& service);
-std::string LogPath(const std::string& service);
-// The record of `service`'s `run`th run at FixedTime() with the profile.
-std::string ProfileRecordPath(const std::string& service, int run);
-
-// Every profile option on: retention, no bound, RunDiagnosticService, PTP_*.
-profiletestplugin::StartOptions AllOn();
 
 // ---- Instances ---------------------------------------------------------------
 
@@ -187,6 +178,9 @@ void ExpectProperties(const cmpihost::InstanceSnapshot& instance,
 
 // "Class:key" of an instance: its InstanceID, Name or DeviceID.
 std::string ClassAndKey(const cmpihost::InstanceSnapshot& instance);
+
+// The kind of each result call of a reply, in order.
+std::vector<cmpihost::ResultEvent::Kind> Kinds(const cmpihost::Reply& reply);
 
 // ---- Fixtures ----------------------------------------------------------------
 
@@ -239,26 +233,6 @@ class DiagHostTest : public LibraryHostTest {
 class PluginHostTest : public DiagHostTest {
  protected:
   PluginHostTest();
-};
-
-// The profile test plug-in, started by Start().
-class ProfileTest : public DiagHostTest {
- protected:
-  ProfileTest();
-
-  void Start(const profiletestplugin::StartOptions& options);
-  cmpihost::Reply RunOn(const std::string& service, const std::string& device) {
-    return Run(service, DevicePath(device));
-  }
-  cmpihost::Reply RunService(const std::string& service, const std::string& device,
-                             std::vector<cmpihost::Argument> extra = {},
-                             std::vector<cmpihost::Property>* out = nullptr);
-
-  // ClassAndKey of what the host delivers for each request.
-  std::vector<std::string> Enumerate(const std::string& className);
-  std::vector<std::string> Associators(const std::string& path, const std::string& assocClass);
-  // The classes of the associations that reference `path`.
-  std::vector<std::string> References(const std::string& path, const std::string& assocClass);
 };
 
 // ---- A broker in front of the host's one ---------------------------------------
